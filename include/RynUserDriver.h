@@ -1,0 +1,60 @@
+/*
+ * RynUserDriver.h - the interface between the library and a driver module.
+ *
+ * On this platform the board driver is reached through a driver module: a
+ * shared object that the library loads when an application opens a device
+ * name it does not already know. The module is looked for as
+ *     <folder of the loaded library file>/ryn-drivers/<device name in lower case>.so
+ * and must export RynUserDriverEntry. The library calls `open` once per
+ * connection with the device name as the application gave it (for example
+ * "RYNDRV"), `control` once per device I/O control request and `close` when
+ * the connection is closed. `control` runs on the caller's thread; several
+ * threads may be inside it at once.
+ *
+ * Address fields. Some requests carry the address of a caller buffer in a
+ * 32-bit field (data sent by address, JTAG scans, event records, DSP images).
+ * In a 32-bit process the field holds the address itself; in a 64-bit process
+ * it holds a 1-based reference into `buffers` (1 names buffers[0]), since an
+ * address does not fit. In both cases every such buffer is listed in
+ * `buffers` with its length, so a driver may always use the list. A field
+ * that names no buffer holds 0.
+ */
+#ifndef RYN_USER_DRIVER_H
+#define RYN_USER_DRIVER_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define RYN_USER_DRIVER_ABI 1u
+
+typedef struct RynDriverBuffer {
+    void *address;
+    uint32_t length;
+} RynDriverBuffer;
+
+typedef struct RynDriverRequest {
+    uint32_t code;                       /* device I/O control code */
+    const void *input;  uint32_t inputLength;
+    void *output;       uint32_t outputLength;
+    const RynDriverBuffer *buffers;      /* caller buffers named by address fields of the input */
+    uint32_t bufferCount;
+} RynDriverRequest;
+
+typedef struct RynUserDriver {
+    uint32_t abi;                                                      /* RYN_USER_DRIVER_ABI */
+    void *(*open)(const char *deviceName);                             /* e.g. "RYNDRV"; NULL refuses */
+    int (*control)(void *device, const RynDriverRequest *request, uint32_t *returned); /* 0 = the call failed */
+    void (*close)(void *device);
+} RynUserDriver;
+
+/* exported by a driver module: */
+const RynUserDriver *RynUserDriverEntry(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* RYN_USER_DRIVER_H */

@@ -1,0 +1,61 @@
+// The one driver connection of the process: connect, release, get-handle.
+#include <atomic>
+
+#include "core/ResultCode.h"
+#include "core/Transport.h"
+#include "core/Version.h"
+#include "device/AppEventQueueTable.h"
+
+namespace ryn {
+namespace {
+
+constexpr uint8_t kSourceId = source::kDeviceCore;
+constexpr uint32_t kFunctionConnectLib = 0x86E;
+
+// Written only by connect and release; relaxed atomics keep concurrent
+// readers on the request path free of data races at no cost.
+constinit std::atomic<OsaHandle> connection{INVALID_HANDLE_VALUE};
+
+ResultCode connect(const char *deviceName) {
+    if (connection.load(std::memory_order_relaxed) != INVALID_HANDLE_VALUE) return RYN_FAILURE(kErrFailed);
+    const OsaHandle handle = RYN_DECORATED(OsaDeviceOpen, 4)(deviceName);
+    if (handle == INVALID_HANDLE_VALUE) return RYN_FAILURE(kErrInvalidHandle);
+    connection.store(handle, std::memory_order_relaxed);
+    appqueue::initialiseTable();
+
+    Request<24, 12> request(kFunctionConnectLib);
+    request.putBytes<16, 8>(kLibraryVersion, sizeof kLibraryVersion);
+    return request.send();
+}
+
+}  // namespace
+
+OsaHandle driverHandle() { return connection.load(std::memory_order_relaxed); }
+
+}  // namespace ryn
+
+extern "C" {
+
+ResultCode RYN_DECORATED(RynDrvConnectLib, 0)(void) { return ryn::connect("RYNDRV"); }
+
+ResultCode RYN_DECORATED(RynNetConnectLib, 0)(void) { return ryn::connect("RYNNET"); }
+
+ResultCode RYN_DECORATED(RynDrvReleaseLib, 0)(void) {
+    using namespace ryn;
+    const OsaHandle handle = connection.load(std::memory_order_relaxed);
+    if (handle == INVALID_HANDLE_VALUE) return RYN_FAILURE(kErrInvalidHandle);
+    RYN_DECORATED(OsaDeviceClose, 4)(handle);
+    connection.store(INVALID_HANDLE_VALUE, std::memory_order_relaxed);
+    appqueue::releaseTable();
+    return 0;
+}
+
+ResultCode RYN_DECORATED(RynDrvGetHandle, 4)(OsaHandle *handle) {
+    using namespace ryn;
+    const OsaHandle current = connection.load(std::memory_order_relaxed);
+    if (current == INVALID_HANDLE_VALUE) return RYN_FAILURE(kErrNotConnected);
+    *handle = current;
+    return 0;
+}
+
+}  // extern "C"

@@ -1,0 +1,153 @@
+// The request transport: one device I/O control exchange with the driver,
+// and the request/reply builder that every family's calls are written with.
+//
+//     Request<28, 12> request(0x80C);            // function number, lengths
+//     request.put<16>(handle).put<20>(param2);   // fields at their offsets
+//     return request.send();                     // ResultCode of the reply
+//
+// Field offsets are template arguments, so a field that does not fit its
+// block, or a wide field at an odd offset, does not compile. Blocks start
+// zero-filled so that no stale bytes reach the driver.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <span>
+
+#include "RynHwDll.h"
+#include "RynUserDriver.h"
+#include "core/ResultCode.h"
+
+namespace ryn {
+
+constexpr uint32_t ioControlCode(uint32_t function) { return 0x220000u | (function << 2); }
+
+// The pair of codes the transport stores when the driver cannot be reached.
+struct TransportCodes {
+    ResultCode callFailed;
+    ResultCode noReply;
+};
+inline constexpr TransportCodes kStandardTransport{kTransportCallFailed, kTransportNoReply};
+inline constexpr TransportCodes kDeviceHandleTransport{kTransportHandleCallFailed, kTransportHandleNoReply};
+
+// Operating-system handle of the driver connection (INVALID_HANDLE_VALUE
+// while no connection is open).
+OsaHandle driverHandle();
+
+inline void store32(uint8_t *at, uint32_t value) { std::memcpy(at, &value, 4); }
+inline void store16(uint8_t *at, uint16_t value) { std::memcpy(at, &value, 2); }
+inline uint32_t load32(const uint8_t *at) {
+    uint32_t value;
+    std::memcpy(&value, at, 4);
+    return value;
+}
+inline uint16_t load16(const uint8_t *at) {
+    uint16_t value;
+    std::memcpy(&value, at, 2);
+    return value;
+}
+
+// Sends `request` and receives `reply`: the returned byte count starts at 0;
+// a failed call stores codes.callFailed at `resultOffset` of the reply, then
+// a reply of no bytes stores codes.noReply there; the result is read from
+// that field. `resultOffset` + 4 must not exceed the reply.
+ResultCode exchange(uint32_t function, std::span<const uint8_t> request, std::span<uint8_t> reply,
+                    uint32_t resultOffset, const TransportCodes &codes = kStandardTransport,
+                    std::span<const RynDriverBuffer> buffers = {});
+
+// Caller buffers named by address fields of one request.
+class AddressList {
+public:
+    static constexpr uint32_t kCapacity = 4;
+
+    // The value of an address field naming [address, address + length): the
+    // address itself in a 32-bit process, else a 1-based reference into the
+    // list. A null address gives 0 and is not listed.
+    uint32_t add(const void *address, uint32_t length);
+    std::span<const RynDriverBuffer> buffers() const { return {buffers_, count_}; }
+
+private:
+    RynDriverBuffer buffers_[kCapacity];  // the first count_ are set
+    uint32_t count_ = 0;
+};
+
+// A request and its reply, both of fixed length, built on the stack.
+template <uint32_t RequestLength, uint32_t ReplyLength>
+class Request {
+    static_assert(RequestLength >= 16 && RequestLength % 2 == 0, "request blocks are even, header included");
+    static_assert(ReplyLength >= 12 && ReplyLength % 2 == 0, "reply blocks are even, header included");
+
+public:
+    explicit Request(uint32_t function) : function_(function) {}
+
+    template <uint32_t Offset>
+    Request &put(uint32_t value) {
+        static_assert(Offset % 2 == 0 && Offset + 4 <= RequestLength, "32-bit field outside the request");
+        store32(request_ + Offset, value);
+        return *this;
+    }
+    template <uint32_t Offset>
+    Request &put16(uint16_t value) {
+        static_assert(Offset % 2 == 0 && Offset + 2 <= RequestLength, "16-bit field outside the request");
+        store16(request_ + Offset, value);
+        return *this;
+    }
+    template <uint32_t Offset>
+    Request &put8(uint8_t value) {
+        static_assert(Offset + 1 <= RequestLength, "byte field outside the request");
+        request_[Offset] = value;
+        return *this;
+    }
+    // Copies `length` bytes into the area [Offset, Offset + Capacity);
+    // anything beyond the area is not copied.
+    template <uint32_t Offset, uint32_t Capacity>
+    Request &putBytes(const void *bytes, uint32_t length) {
+        static_assert(Offset + Capacity <= RequestLength, "byte area outside the request");
+        if (bytes != nullptr) std::memcpy(request_ + Offset, bytes, length < Capacity ? length : Capacity);
+        return *this;
+    }
+    // An address field naming a caller buffer of `length` bytes.
+    template <uint32_t Offset>
+    Request &putAddress(const void *address, uint32_t length) {
+        return put<Offset>(addresses_.add(address, length));
+    }
+
+    // The exchange with the ResultCode as the last 32-bit field of the reply.
+    ResultCode send() { return sendWithResultAt<ReplyLength - 4>(kStandardTransport); }
+
+    template <uint32_t ResultOffset>
+    ResultCode sendWithResultAt(const TransportCodes &codes) {
+        static_assert(ResultOffset % 2 == 0 && ResultOffset + 4 <= ReplyLength, "result outside the reply");
+        return exchange(function_, request_, reply_, ResultOffset, codes, addresses_.buffers());
+    }
+
+    template <uint32_t Offset>
+    uint32_t get() const {
+        static_assert(Offset % 2 == 0 && Offset + 4 <= ReplyLength, "32-bit field outside the reply");
+        return load32(reply_ + Offset);
+    }
+    template <uint32_t Offset>
+    uint16_t get16() const {
+        static_assert(Offset % 2 == 0 && Offset + 2 <= ReplyLength, "16-bit field outside the reply");
+        return load16(reply_ + Offset);
+    }
+    template <uint32_t Offset>
+    uint8_t get8() const {
+        static_assert(Offset + 1 <= ReplyLength, "byte field outside the reply");
+        return reply_[Offset];
+    }
+    // The reply bytes [Offset, Offset + Length).
+    template <uint32_t Offset, uint32_t Length>
+    const uint8_t *replyBytes() const {
+        static_assert(Offset + Length <= ReplyLength, "byte area outside the reply");
+        return reply_ + Offset;
+    }
+
+private:
+    uint32_t function_;
+    uint8_t request_[RequestLength]{};
+    uint8_t reply_[ReplyLength]{};
+    AddressList addresses_;
+};
+
+}  // namespace ryn

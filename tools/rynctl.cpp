@@ -1,0 +1,44 @@
+// rynctl: a command-line view of the library and the driver it reaches.
+//
+//   rynctl info    library version, driver device, driver's answer to the
+//                  version announcement
+#include <cstdio>
+#include <cstring>
+
+#include "RynHwDll.h"
+
+namespace {
+
+void printResult(const char *what, ResultCode code) {
+    uint32_t error = 0, severity = 0, source = 0, line = 0;
+    RynResultCode(code, &error, &severity, &source, &line);
+    std::printf("%-22s 0x%08X (%s, source 0x%02X, line %u, error %u)\n", what, code,
+                RynFailure(code) ? "failure" : "success", source, line, error & 0xFFu);
+}
+
+int info() {
+    std::printf("%-22s %s\n", "library", "RynHwDll 2.12.1.0");
+    const ResultCode connected = RynDrvConnectLib();
+    OsaHandle handle = INVALID_HANDLE_VALUE;
+    if (RynDrvGetHandle(&handle) != 0) {
+        std::printf("%-22s not opened (no driver answers to \"RYNDRV\")\n", "driver device");
+        printResult("connect", connected);
+        return 1;
+    }
+    std::printf("%-22s opened (handle %u)\n", "driver device", handle);
+    printResult("version announcement", connected);
+    RynDrvReleaseLib();
+    return 0;
+}
+
+int usage() {
+    std::fprintf(stderr, "usage: rynctl info\n");
+    return 2;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    if (argc == 2 && std::strcmp(argv[1], "info") == 0) return info();
+    return usage();
+}
