@@ -76,6 +76,81 @@ RYN_ENTRY(int32_t, OsaDeviceIoControl, 28,
           (OsaHandle handle, uint32_t code, const void *input, uint32_t inputLength,
            void *output, uint32_t outputLength, uint32_t *returned))
 
+/* ---- Strings (8-bit, NUL-terminated; characters compare as signed 8-bit
+ *      values; ASCII-only case rules, no locale) ------------------------- */
+
+RYN_ENTRY(uint32_t, OsaStrLen, 4, (const char *s))
+RYN_ENTRY(void, OsaStrCpy, 8, (char *d, const char *s))
+/* Copies at most n characters; writes one terminator only when fewer than n
+ * characters were copied (nothing beyond it is zero-filled); n <= 0 writes
+ * nothing. */
+RYN_ENTRY(void, OsaStrNCpy, 12, (char *d, const char *s, int32_t n))
+RYN_ENTRY(int32_t, OsaStrCmp, 8, (const char *s1, const char *s2))
+RYN_ENTRY(int32_t, OsaStrCmpI, 8, (const char *s1, const char *s2))
+RYN_ENTRY_DECORATED(int32_t, OsaStrICmp, 8, (const char *s1, const char *s2))
+RYN_ENTRY(int32_t, OsaToUpper, 4, (int32_t c))
+RYN_ENTRY(int32_t, OsaStdToUpr, 4, (int32_t c))
+RYN_ENTRY(int32_t, OsaToLower, 4, (int32_t c))
+RYN_ENTRY_DECORATED(char *, OsaStrUpr, 4, (char *s))
+RYN_ENTRY(char *, OsaStdStrUpr, 4, (char *s))
+/* Decimal value of the digits at the very start of s: no blanks, no sign,
+ * wraps modulo 2^32. */
+RYN_ENTRY(int32_t, OsaStrToI, 4, (const char *s))
+RYN_ENTRY(char *, OsaStrnSet, 12, (char *s, char c, uint32_t n))
+RYN_ENTRY_DECORATED(char *, OsaStrRChr, 8, (const char *s, char c))
+
+/* ---- Files (the C runtime's buffered streams) --------------------------- */
+
+RYN_ENTRY_DECORATED(FILE *, OsaFileOpen, 8, (const char *name, const char *mode))
+RYN_ENTRY_DECORATED(int32_t, OsaFileClose, 4, (FILE *file))
+RYN_ENTRY_DECORATED(uint32_t, OsaFileRead, 16, (void *buffer, uint32_t size, uint32_t count, FILE *file))
+/* origin: 0 start, 1 current position, 2 end; any other origin returns -1
+ * and leaves the file alone. */
+RYN_ENTRY_DECORATED(int32_t, OsaFileSeek, 12, (FILE *file, int32_t offset, int32_t origin))
+
+/* ---- Console ------------------------------------------------------------ */
+
+RYN_ENTRY(void, OsaConsoleInit, 0, (void))
+RYN_ENTRY(void, OsaConsoleExit, 0, (void))
+/* Sets the script: '^'-separated lines that answer the next console reads
+ * instead of standard input. The string is not copied: keep it alive and
+ * unchanged while it is in use. An empty string turns the script off. */
+RYN_ENTRY(void, OsaConsoleInput, 4, (const char *script))
+/* Reads one line without its newline into buffer. The interface has no
+ * buffer size: the buffer must hold the longest line (or script segment)
+ * that can come. NULL when standard input ends before any character. */
+RYN_ENTRY(char *, OsaConsoleGetStr, 4, (char *buffer))
+/* One character; from a terminal, one key without echo and without waiting
+ * for a newline. -1 at the end of the input. */
+RYN_ENTRY(int32_t, OsaConsoleGetCh, 0, (void))
+RYN_ENTRY_DECORATED(int32_t, OsaConsolePutStr, 4, (const char *s))
+RYN_ENTRY(int32_t, OsaConsolePrintF, 8, (const char *format, va_list arguments))
+RYN_ENTRY(int32_t, OsaBeep, 8, (uint32_t frequency, uint32_t milliseconds))
+
+/* ---- Threads, mutexes, time --------------------------------------------- */
+
+typedef uint32_t (*OsaThreadRoutine)(void *context);
+
+RYN_ENTRY(int32_t, OsaThreadStart, 4, (OsaThreadRoutine routine))
+RYN_ENTRY(int32_t, OsaThreadStartEx, 8, (OsaThreadRoutine routine, void *context))
+RYN_ENTRY(void, OsaThreadSleep, 4, (uint32_t milliseconds))
+
+/* Storage of a re-entrant mutex, provided by the caller. */
+typedef struct OsaMutex {
+    union {
+        uint64_t align;
+        unsigned char bytes[64];
+    } storage;
+} OsaMutex;
+
+RYN_ENTRY(void, OsaMutexInit, 4, (OsaMutex *mutex))
+RYN_ENTRY(void, OsaMutexLock, 4, (OsaMutex *mutex))
+RYN_ENTRY(void, OsaMutexUnlock, 4, (OsaMutex *mutex))
+RYN_ENTRY(void, OsaMutexDestroy, 4, (OsaMutex *mutex))
+/* Local time of a calendar time; NULL for a negative time. The result is
+ * overwritten by the next call on the same thread. */
+RYN_ENTRY(struct tm *, OsaStdLocalTime, 4, (const int32_t *time))
+
 #ifdef __cplusplus
 }
 #endif

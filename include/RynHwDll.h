@@ -77,6 +77,16 @@ RYN_ENTRY(ResultCode, RynDrvReleaseLib, 0, (void))
 /* The operating-system handle of the open connection. */
 RYN_ENTRY(ResultCode, RynDrvGetHandle, 4, (OsaHandle *handle))
 
+/* ---- Devices, boards, logical devices and pipes ------------------------- */
+
+/* ---- Attributes --------------------------------------------------------- */
+
+/* ---- Driver events and event queues ------------------------------------- */
+
+/* ---- Registers, time and diagnostics ------------------------------------ */
+
+/* ---- Application event queues ------------------------------------------- */
+
 #ifdef __cplusplus
 }
 #endif
