@@ -7,24 +7,23 @@
 #include <mutex>
 
 namespace ryn::osa {
+
+namespace detail {
+constinit std::atomic<Slot *> handleChunks[kChunkCount]{};
+}  // namespace detail
+
 namespace {
 
-constexpr uint32_t kChunkSize = 1024;
-constexpr uint32_t kChunkCount = 1024;  // descriptors below 1,048,576
+using namespace detail;
+
 constexpr int kLowestHandle = 3;
 
-using Slot = std::atomic<HandleObject *>;
-
-struct HandleTable {
-    std::atomic<Slot *> chunks[kChunkCount];
-    std::mutex writer;
-};
-
-constinit HandleTable table{};
+// Serialises publishing and retracting.
+constinit std::mutex writer;
 
 Slot *slotOf(uint32_t handle, bool create) {
     if (handle >= kChunkSize * kChunkCount) return nullptr;
-    std::atomic<Slot *> &chunk = table.chunks[handle / kChunkSize];
+    std::atomic<Slot *> &chunk = handleChunks[handle / kChunkSize];
     Slot *slots = chunk.load(std::memory_order_acquire);
     if (slots == nullptr && create) {
         // Chunks live as long as the process; they are reached from the table.
@@ -43,7 +42,7 @@ OsaHandle publishHandle(int fd, HandleObject *object) {
         fd = moved;
     }
     if (fd < 0) return INVALID_HANDLE_VALUE;
-    std::lock_guard lock(table.writer);
+    std::lock_guard lock(writer);
     Slot *slot = slotOf(static_cast<uint32_t>(fd), true);
     if (slot == nullptr) {
         close(fd);
@@ -53,13 +52,8 @@ OsaHandle publishHandle(int fd, HandleObject *object) {
     return static_cast<OsaHandle>(fd);
 }
 
-HandleObject *lookupHandle(OsaHandle handle) {
-    Slot *slot = slotOf(handle, false);
-    return slot == nullptr ? nullptr : slot->load(std::memory_order_acquire);
-}
-
 HandleObject *retractHandle(OsaHandle handle) {
-    std::lock_guard lock(table.writer);
+    std::lock_guard lock(writer);
     Slot *slot = slotOf(handle, false);
     HandleObject *object = slot == nullptr ? nullptr : slot->exchange(nullptr, std::memory_order_acq_rel);
     if (object != nullptr) close(static_cast<int>(handle));

@@ -7,6 +7,7 @@
 // thread still uses it, as with any handle that is being closed.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 #include "Osa.h"
@@ -33,8 +34,21 @@ private:
 // INVALID_HANDLE_VALUE (with `fd` closed) when the table has no room.
 OsaHandle publishHandle(int fd, HandleObject *object);
 
-// The object published under `handle`, or null.
-HandleObject *lookupHandle(OsaHandle handle);
+namespace detail {
+inline constexpr uint32_t kChunkSize = 1024;
+inline constexpr uint32_t kChunkCount = 1024;  // descriptors below 1,048,576
+using Slot = std::atomic<HandleObject *>;
+extern std::atomic<Slot *> handleChunks[kChunkCount];
+}  // namespace detail
+
+// The object published under `handle`, or null. Inline: it sits on the path
+// of every driver request.
+inline HandleObject *lookupHandle(OsaHandle handle) {
+    using namespace detail;
+    if (handle >= kChunkSize * kChunkCount) return nullptr;
+    const Slot *slots = handleChunks[handle / kChunkSize].load(std::memory_order_acquire);
+    return slots == nullptr ? nullptr : slots[handle % kChunkSize].load(std::memory_order_acquire);
+}
 
 // Like lookupHandle, but only an object of the given kind.
 template <class T>
