@@ -79,7 +79,67 @@ RYN_ENTRY(ResultCode, RynDrvGetHandle, 4, (OsaHandle *handle))
 
 /* ---- Devices, boards, logical devices and pipes ------------------------- */
 
+/* Enumeration: begin sets the iterator to 0; each enumeration call sends it
+ * and stores the driver's next value (-1 when nothing follows). Out-values
+ * are written whatever the result; the pointers are not tested for null. */
+RYN_ENTRY(ResultCode, RynDrvIteratorBegin, 4, (int32_t *iterator))
+/* 1 while the enumeration can go on (iterator not -1), else 0. */
+RYN_ENTRY(int32_t, RynDrvIsIteratorEnd, 4, (const int32_t *iterator))
+RYN_ENTRY(ResultCode, RynDrvEnumDeviceType, 12, (DeviceHandle parent, int32_t *iterator, int32_t *deviceType))
+RYN_ENTRY(ResultCode, RynDrvEnumDevice, 16,
+          (DeviceHandle parent, int32_t deviceType, int32_t *iterator, uint32_t *deviceId))
+/* handle may be null; otherwise it receives -1, then the handle on success. */
+RYN_ENTRY(ResultCode, RynDrvGetDeviceHandle, 16,
+          (DeviceHandle parent, int32_t deviceType, uint32_t deviceId, DeviceHandle *handle))
+/* physicalDevice receives the handle, or -1 on failure (not tested for null). */
+RYN_ENTRY(ResultCode, RynDrvOpenPhysicalDevice, 24,
+          (uint32_t param1, uint32_t param2, uint32_t param3, uint32_t param4, uint32_t param5,
+           DeviceHandle *physicalDevice))
+RYN_ENTRY(ResultCode, RynDrvOpenPhysicalDeviceEx, 12, (uint32_t param1, uint32_t param2, uint32_t param3))
+/* physicalDevice must be a physical device; logicalDevice is written only on success. */
+RYN_ENTRY(ResultCode, RynDrvCreateLogicalDevice, 20,
+          (DeviceHandle physicalDevice, int32_t deviceType, uint32_t param3, uint32_t param4,
+           DeviceHandle *logicalDevice))
+/* pipe receives the reply's handle whatever the result. */
+RYN_ENTRY(ResultCode, RynDrvCreatePipe, 8, (uint32_t param1, DeviceHandle *pipe))
+RYN_ENTRY(ResultCode, RynDrvConnectLogicalDevice, 16,
+          (DeviceHandle handleA, uint32_t portA, DeviceHandle handleB, uint32_t portB))
+/* Both handles must be logical devices or pipes. */
+RYN_ENTRY(ResultCode, RynDrvDisconnectLogicalDevice, 16,
+          (DeviceHandle handleA, uint32_t portA, DeviceHandle handleB, uint32_t portB))
+/* Up to 512 bytes of connection data; null data sends none; a negative or
+ * larger length with data is refused with error 9. */
+RYN_ENTRY(ResultCode, RynDrvConnectPipe, 24,
+          (DeviceHandle pipe, uint32_t portA, DeviceHandle device, uint32_t portB, const uint8_t *data,
+           int32_t dataLength))
+RYN_ENTRY(ResultCode, RynDrvDisconnectPipe, 8, (DeviceHandle pipe, uint32_t portA))
+RYN_ENTRY(ResultCode, RynDrvConnectBoard, 8, (DeviceHandle handleA, DeviceHandle handleB))
+RYN_ENTRY(ResultCode, RynDrvEnable, 12, (DeviceHandle handle, uint32_t param2, uint32_t param3))
+RYN_ENTRY(ResultCode, RynDrvDisable, 12, (DeviceHandle handle, uint32_t param2, uint32_t param3))
+RYN_ENTRY(ResultCode, RynDrvGetState, 8, (DeviceHandle handle, uint32_t *state))
+RYN_ENTRY(ResultCode, RynDrvReset, 4, (DeviceHandle handle))
+RYN_ENTRY(ResultCode, RynDrvClose, 4, (DeviceHandle handle))
+
 /* ---- Attributes --------------------------------------------------------- */
+
+/* The library pseudo-handle RYN_LIBRARY_PSEUDO_HANDLE answers identifiers 9
+ * (version text), 10 (version block), 11 (module name) and 12 (0) itself;
+ * every other handle asks the driver. The pointers are not tested for null,
+ * except the returned length of RynDrvGetAttributeValue for driver
+ * attributes. A driver read transfers exactly bufferLength bytes both ways. */
+RYN_ENTRY(ResultCode, RynDrvGetAttributeType, 20,
+          (DeviceHandle handle, int32_t attribute, uint32_t *type, uint32_t *size, uint32_t *flags))
+RYN_ENTRY(ResultCode, RynDrvGetAttributeValue, 20,
+          (DeviceHandle handle, int32_t attribute, void *buffer, uint32_t bufferLength, uint32_t *returnedLength))
+RYN_ENTRY(ResultCode, RynDrvGetAttributeValueBool, 12, (DeviceHandle handle, int32_t attribute, uint32_t *value))
+RYN_ENTRY(ResultCode, RynDrvGetAttributeValueUint32, 12, (DeviceHandle handle, int32_t attribute, uint32_t *value))
+RYN_ENTRY(ResultCode, RynDrvGetAttributeValueSz, 16,
+          (DeviceHandle handle, int32_t attribute, char *text, uint32_t bufferLength))
+RYN_ENTRY(ResultCode, RynDrvSetAttributeValue, 16,
+          (DeviceHandle handle, int32_t attribute, const void *value, uint32_t valueLength))
+RYN_ENTRY(ResultCode, RynDrvSetAttributeValueBool, 12, (DeviceHandle handle, int32_t attribute, uint32_t value))
+RYN_ENTRY(ResultCode, RynDrvSetAttributeValueUint32, 12, (DeviceHandle handle, int32_t attribute, uint32_t value))
+RYN_ENTRY(ResultCode, RynDrvSetAttributeValueSz, 12, (DeviceHandle handle, int32_t attribute, const char *text))
 
 /* ---- Driver events and event queues ------------------------------------- */
 

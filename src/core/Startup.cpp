@@ -1,0 +1,57 @@
+// The load-time step: find the driver's version once, when the library is
+// loaded into a process.
+#include <cstring>
+
+#include "RynHwDll.h"
+#include "core/Compat.h"
+
+namespace ryn {
+namespace {
+
+constexpr size_t kVersionBufferSize = 80;
+constexpr uint32_t kDriverVersionAttribute = 13;
+
+}  // namespace
+
+uint32_t parseDriverVersion(std::string_view version) {
+    // Copied so that every component the scan reads is terminated.
+    char text[kVersionBufferSize + 1] = {};
+    const size_t length = std::min(version.size(), kVersionBufferSize);
+    std::memcpy(text, version.data(), length);
+
+    uint32_t level = 0;
+    uint32_t weight = 10000;
+    const char *component = text;
+    for (size_t i = 0; i < length; ++i) {
+        if (text[i] == '.') {
+            level += weight * static_cast<uint32_t>(RYN_DECORATED(OsaStrToI, 4)(component));
+            if (weight == 1) break;
+            weight /= 100;
+            component = text + i + 1;
+        } else if (text[i] == '-') {
+            const char *patch = text + i + 1;
+            if (*patch == 'P' || *patch == 'p') ++patch;
+            level += static_cast<uint32_t>(RYN_DECORATED(OsaStrToI, 4)(patch));
+            break;
+        }
+    }
+    return level;
+}
+
+void runLoadStep() {
+    RYN_DECORATED(RynDrvConnectLib, 0)();
+    char version[kVersionBufferSize] = {};
+    RYN_DECORATED(RynDrvGetAttributeValueSz, 16)(RYN_DRIVER_PSEUDO_HANDLE, kDriverVersionAttribute, version,
+                                                 sizeof version);
+    setDriverVersionLevel(parseDriverVersion(std::string_view(version, strnlen(version, sizeof version))));
+    RYN_DECORATED(RynDrvReleaseLib, 0)();
+}
+
+namespace {
+
+// Plays the part of the module entry point's process attach: runs once when
+// the library is loaded and never fails the load.
+__attribute__((constructor)) void onLibraryLoad() { runLoadStep(); }
+
+}  // namespace
+}  // namespace ryn

@@ -1,0 +1,168 @@
+// Attributes: the library pseudo-handle's own, and the driver's through
+// variable-length request and reply blocks.
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "core/ResultCode.h"
+#include "core/Transport.h"
+#include "core/Version.h"
+
+namespace ryn {
+namespace {
+
+constexpr uint8_t kSourceId = source::kDeviceCore;
+
+// Heap blocks whose length follows the caller's data.
+struct FreeBlock {
+    void operator()(uint8_t *block) const { std::free(block); }
+};
+using Block = std::unique_ptr<uint8_t[], FreeBlock>;
+
+Block allocate(uint64_t length) { return Block(static_cast<uint8_t *>(std::malloc(length))); }
+
+// Attributes of the library pseudo-handle.
+struct LibraryAttribute {
+    int32_t id;
+    uint32_t type;
+    uint32_t size;
+    const void *value;
+};
+constexpr uint32_t kTypeText = 0, kTypeUint32 = 2, kTypeBinary = 3;
+constexpr uint32_t kZero = 0;
+constexpr LibraryAttribute kLibraryAttributes[] = {
+    {9, kTypeText, sizeof kLibraryVersionText, kLibraryVersionText},
+    {10, kTypeBinary, sizeof kLibraryVersion, kLibraryVersion},
+    {11, kTypeText, sizeof kLibraryModuleName, kLibraryModuleName},
+    {12, kTypeUint32, sizeof kZero, &kZero},
+};
+
+const LibraryAttribute *findLibraryAttribute(int32_t id) {
+    for (const LibraryAttribute &attribute : kLibraryAttributes) {
+        if (attribute.id == id) return &attribute;
+    }
+    return nullptr;
+}
+
+ResultCode libraryAttributeType(int32_t id, uint32_t *type, uint32_t *size, uint32_t *flags) {
+    *type = kTypeBinary;
+    *size = 0;
+    *flags = 1;
+    const LibraryAttribute *attribute = findLibraryAttribute(id);
+    if (attribute == nullptr) return RYN_FAILURE(kErrUnknownAttribute);
+    *type = attribute->type;
+    *size = attribute->size;
+    return 0;
+}
+
+ResultCode libraryAttributeValue(int32_t id, void *buffer, uint32_t bufferLength, uint32_t *returnedLength) {
+    *returnedLength = 0;
+    if (bufferLength < 4) return RYN_FAILURE(kErrRange);
+    const LibraryAttribute *attribute = findLibraryAttribute(id);
+    if (attribute == nullptr) return RYN_FAILURE(kErrUnknownAttribute);
+    if (bufferLength < attribute->size) return RYN_FAILURE(kErrRange);
+    std::memcpy(buffer, attribute->value, attribute->size);
+    *returnedLength = attribute->size;
+    return 0;
+}
+
+// Reply: 8 header bytes, ResultCode at 8, value byte count at 12, the value
+// at 16, one spare byte.
+ResultCode driverAttributeValue(DeviceHandle handle, int32_t id, void *buffer, uint32_t bufferLength,
+                                uint32_t *returnedLength) {
+    constexpr uint32_t kReplyOverhead = 17;
+    if (bufferLength > UINT32_MAX - kReplyOverhead) return RYN_FAILURE(kErrRange);
+    const uint32_t replyLength = bufferLength + kReplyOverhead;
+    Block reply = allocate(replyLength);
+    if (reply == nullptr) return RYN_FAILURE(kErrNoMemory);
+    std::memset(reply.get(), 0, replyLength);
+    if (bufferLength != 0) std::memcpy(reply.get() + 16, buffer, bufferLength);
+
+    uint8_t request[28] = {};
+    store32(request + 16, handle);
+    store32(request + 20, static_cast<uint32_t>(id));
+    store32(request + 24, bufferLength);
+    const ResultCode result = exchange(0x818, request, {reply.get(), replyLength}, 8);
+
+    if (bufferLength != 0) std::memcpy(buffer, reply.get() + 16, bufferLength);
+    if (returnedLength != nullptr) *returnedLength = load32(reply.get() + 12);
+    return result;
+}
+
+}  // namespace
+}  // namespace ryn
+
+using namespace ryn;
+
+extern "C" {
+
+ResultCode RYN_DECORATED(RynDrvGetAttributeType, 20)(DeviceHandle handle, int32_t attribute, uint32_t *type,
+                                                     uint32_t *size, uint32_t *flags) {
+    if (handle == RYN_LIBRARY_PSEUDO_HANDLE) return libraryAttributeType(attribute, type, size, flags);
+    Request<24, 24> request(0x817);
+    request.put<16>(handle).put<20>(static_cast<uint32_t>(attribute));
+    const ResultCode result = request.send();
+    *type = request.get<8>();
+    *size = request.get<12>();
+    *flags = request.get<16>();
+    return result;
+}
+
+ResultCode RYN_DECORATED(RynDrvGetAttributeValue, 20)(DeviceHandle handle, int32_t attribute, void *buffer,
+                                                      uint32_t bufferLength, uint32_t *returnedLength) {
+    if (handle == RYN_LIBRARY_PSEUDO_HANDLE) {
+        return libraryAttributeValue(attribute, buffer, bufferLength, returnedLength);
+    }
+    return driverAttributeValue(handle, attribute, buffer, bufferLength, returnedLength);
+}
+
+ResultCode RYN_DECORATED(RynDrvGetAttributeValueBool, 12)(DeviceHandle handle, int32_t attribute, uint32_t *value) {
+    uint32_t returned = 0;
+    return RYN_DECORATED(RynDrvGetAttributeValue, 20)(handle, attribute, value, 4, &returned);
+}
+
+ResultCode RYN_DECORATED(RynDrvGetAttributeValueUint32, 12)(DeviceHandle handle, int32_t attribute,
+                                                            uint32_t *value) {
+    uint32_t returned = 0;
+    return RYN_DECORATED(RynDrvGetAttributeValue, 20)(handle, attribute, value, 4, &returned);
+}
+
+ResultCode RYN_DECORATED(RynDrvGetAttributeValueSz, 16)(DeviceHandle handle, int32_t attribute, char *text,
+                                                        uint32_t bufferLength) {
+    uint32_t returned = 0;
+    return RYN_DECORATED(RynDrvGetAttributeValue, 20)(handle, attribute, text, bufferLength, &returned);
+}
+
+ResultCode RYN_DECORATED(RynDrvSetAttributeValue, 16)(DeviceHandle handle, int32_t attribute, const void *value,
+                                                      uint32_t valueLength) {
+    // Request: handle at 16, identifier at 20, value length at 24, the value
+    // at 28 and one spare byte.
+    constexpr uint32_t kRequestOverhead = 29;
+    if (valueLength > UINT32_MAX - kRequestOverhead) return RYN_FAILURE(kErrRange);
+    const uint32_t requestLength = valueLength + kRequestOverhead;
+    Block request = allocate(requestLength);
+    if (request == nullptr) return RYN_FAILURE(kErrNoMemory);
+    std::memset(request.get(), 0, requestLength);
+    store32(request.get() + 16, handle);
+    store32(request.get() + 20, static_cast<uint32_t>(attribute));
+    store32(request.get() + 24, valueLength);
+    if (valueLength != 0) std::memcpy(request.get() + 28, value, valueLength);
+    uint8_t reply[12] = {};
+    return exchange(0x819, {request.get(), requestLength}, reply, 8);
+}
+
+ResultCode RYN_DECORATED(RynDrvSetAttributeValueBool, 12)(DeviceHandle handle, int32_t attribute, uint32_t value) {
+    return RYN_DECORATED(RynDrvSetAttributeValue, 16)(handle, attribute, &value, 4);
+}
+
+ResultCode RYN_DECORATED(RynDrvSetAttributeValueUint32, 12)(DeviceHandle handle, int32_t attribute,
+                                                            uint32_t value) {
+    return RYN_DECORATED(RynDrvSetAttributeValue, 16)(handle, attribute, &value, 4);
+}
+
+ResultCode RYN_DECORATED(RynDrvSetAttributeValueSz, 12)(DeviceHandle handle, int32_t attribute, const char *text) {
+    return RYN_DECORATED(RynDrvSetAttributeValue, 16)(handle, attribute, text,
+                                                      static_cast<uint32_t>(std::strlen(text)) + 1);
+}
+
+}  // extern "C"
