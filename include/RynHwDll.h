@@ -143,9 +143,73 @@ RYN_ENTRY(ResultCode, RynDrvSetAttributeValueSz, 12, (DeviceHandle handle, int32
 
 /* ---- Driver events and event queues ------------------------------------- */
 
+/* Event objects are unnamed auto-reset events, initially non-signalled; on
+ * this platform their handles are file descriptors, closed by
+ * RynDrvCloseEvent (or OsaDeviceClose), and a driver in the same process may
+ * signal one by writing to it. A failed creation stores 0 and returns 0. */
+RYN_ENTRY(ResultCode, RynDrvCreateEvent, 4, (OsaHandle *event))
+RYN_ENTRY(ResultCode, RynDrvSignalEvent, 4, (OsaHandle event))
+RYN_ENTRY(ResultCode, RynDrvCloseEvent, 4, (OsaHandle event))
+/* 0 when signalled, 3 on time-out (0xFFFFFFFF waits without limit). */
+RYN_ENTRY(ResultCode, RynDrvWaitForSingleEvent, 8, (OsaHandle event, uint32_t timeoutMs))
+/* 2 with the index of the signalled event (wait-any: the lowest; wait-all:
+ * all of them are taken at once), 3 on time-out. A count of 0 or above 64,
+ * or a handle that is not an event, is a failed wait (error 13). */
+RYN_ENTRY(ResultCode, RynDrvWaitForMultipleEvents, 20,
+          (uint32_t count, const OsaHandle *events, uint32_t timeoutMs, int32_t waitAll, uint32_t *index))
+RYN_ENTRY(ResultCode, RynDrvCancelTask, 8, (uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynDrvCreateEventQueue, 12, (uint32_t param1, uint32_t param2, DeviceHandle *queue))
+RYN_ENTRY(ResultCode, RynDrvPollEvents, 4, (DeviceHandle handle))
+RYN_ENTRY(ResultCode, RynDrvGetEventData, 8, (DeviceHandle handle, EventData *record))
+/* The driver writes up to param3 records into the array; count receives
+ * the driver's count. */
+RYN_ENTRY(ResultCode, RynDrvGetEventDataEx, 16,
+          (DeviceHandle handle, EventData *records, uint32_t param3, uint32_t *count))
+RYN_ENTRY(ResultCode, RynDrvSetEventData, 28,
+          (DeviceHandle handle, uint32_t w2, uint32_t w3, uint32_t w4, uint32_t w5, uint32_t w6, uint32_t w7))
+RYN_ENTRY(ResultCode, RynDrvSetEventDataEx, 36,
+          (DeviceHandle handle, uint32_t w2, uint32_t w3, uint32_t w4, uint32_t w5, uint32_t w6, uint32_t w7,
+           uint32_t w0, uint32_t w1))
+/* text: at least 256 bytes; always terminated. */
+RYN_ENTRY(ResultCode, RynDrvEventCode2String, 16,
+          (DeviceHandle handle, uint32_t eventCode, uint32_t param3, char *text))
+
 /* ---- Registers, time and diagnostics ------------------------------------ */
 
+/* Every width moves a 32-bit word; reads store it whatever the result. */
+RYN_ENTRY(ResultCode, RynDrvReadReg8, 12, (DeviceHandle handle, uint32_t registerOffset, uint32_t *value))
+RYN_ENTRY(ResultCode, RynDrvReadReg16, 12, (DeviceHandle handle, uint32_t registerOffset, uint32_t *value))
+RYN_ENTRY(ResultCode, RynDrvReadReg32, 12, (DeviceHandle handle, uint32_t registerOffset, uint32_t *value))
+RYN_ENTRY(ResultCode, RynDrvWriteReg8, 12, (DeviceHandle handle, uint32_t registerOffset, uint32_t value))
+RYN_ENTRY(ResultCode, RynDrvWriteReg16, 12, (DeviceHandle handle, uint32_t registerOffset, uint32_t value))
+RYN_ENTRY(ResultCode, RynDrvWriteReg32, 12, (DeviceHandle handle, uint32_t registerOffset, uint32_t value))
+/* 100-ns intervals since 1601-01-01 (subtract 116444736000000000 and divide
+ * by 10000000 for seconds since 1970). */
+RYN_ENTRY(ResultCode, RynDrvGetCurrentTime, 4, (uint64_t *time))
+RYN_ENTRY(ResultCode, RynStartWatchdogTimer, 4, (uint32_t unused))
+RYN_ENTRY(ResultCode, RynDrvDbgDump, 8, (uint32_t param1, uint32_t param2))
+/* The driver writes the text into text (textLength bytes). */
+RYN_ENTRY(ResultCode, RynDrvResultCode2String, 16,
+          (DeviceHandle handle, ResultCode resultCode, char *text, uint32_t textLength))
+
 /* ---- Application event queues ------------------------------------------- */
+
+/* Queues of EventData records kept by the library, 128 at most, usable from
+ * the first connect until the release (before and after: error 13). A full
+ * queue drops its oldest record. Reading an empty queue gives a status with
+ * error number 1 and bit 31 clear. */
+RYN_ENTRY_DECORATED(ResultCode, RynCreateAppEventQueue, 12, (uint32_t capacity, OsaHandle event, int32_t *queue))
+RYN_ENTRY_DECORATED(ResultCode, RynCloseAppEventQueue, 4, (int32_t queue))
+RYN_ENTRY_DECORATED(ResultCode, RynGetAppEventData, 8, (int32_t queue, EventData *record))
+RYN_ENTRY_DECORATED(ResultCode, RynGetAppEventDataEx, 16,
+                    (int32_t queue, EventData *records, int32_t maximum, uint32_t *count))
+RYN_ENTRY_DECORATED(ResultCode, RynSignalAppEvent, 4, (int32_t queue))
+RYN_ENTRY_DECORATED(ResultCode, RynQueueAppEventDataEx, 36,
+                    (int32_t queue, uint32_t w2, uint32_t w3, uint32_t w4, uint32_t w5, uint32_t w6, uint32_t w7,
+                     uint32_t w0, uint32_t w1))
+RYN_ENTRY_DECORATED(ResultCode, RynSetAppEventDataEx, 36,
+                    (int32_t queue, uint32_t w2, uint32_t w3, uint32_t w4, uint32_t w5, uint32_t w6, uint32_t w7,
+                     uint32_t w0, uint32_t w1))
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,130 @@
+// Event objects and waits, driver event queues, event records and texts.
+#include <cstring>
+
+#include "core/ResultCode.h"
+#include "core/Transport.h"
+#include "device/HandleKinds.h"
+#include "osa/Events.h"
+
+namespace ryn {
+namespace {
+
+constexpr uint8_t kSourceId = source::kDeviceCore;
+constexpr uint32_t kEventTextSize = 256;
+
+// Set-data requests: the record at 20..51, words 0 and 1 first.
+ResultCode sendEventRecord(uint32_t function, DeviceHandle handle, const uint32_t (&words)[8]) {
+    Request<52, 12> request(function);
+    request.put<16>(handle).put<20>(words[0]).put<24>(words[1]).put<28>(words[2]).put<32>(words[3]);
+    request.put<36>(words[4]).put<40>(words[5]).put<44>(words[6]).put<48>(words[7]);
+    return request.send();
+}
+
+}  // namespace
+}  // namespace ryn
+
+using namespace ryn;
+
+extern "C" {
+
+ResultCode RYN_DECORATED(RynDrvCreateEvent, 4)(OsaHandle *event) {
+    if (event == nullptr) return RYN_FAILURE(kErrFailed);
+    *event = osa::createEvent();  // 0 when the system could not make one
+    return 0;
+}
+
+ResultCode RYN_DECORATED(RynDrvSignalEvent, 4)(OsaHandle event) {
+    return osa::signalEvent(event) ? 0 : RYN_FAILURE(kErrFailed);
+}
+
+ResultCode RYN_DECORATED(RynDrvCloseEvent, 4)(OsaHandle event) {
+    RYN_DECORATED(OsaDeviceClose, 4)(event);
+    return 0;
+}
+
+ResultCode RYN_DECORATED(RynDrvWaitForSingleEvent, 8)(OsaHandle event, uint32_t timeoutMs) {
+    const uint32_t wait = osa::waitForEvents(1, &event, false, timeoutMs);
+    if (wait == osa::kWaitObject0) return 0;
+    if (wait == osa::kWaitAbandoned0) return RYN_FAILURE(kErrInvalidHandle);
+    if (wait == osa::kWaitTimeout) return 3;
+    return RYN_FAILURE(kErrFailed);
+}
+
+ResultCode RYN_DECORATED(RynDrvWaitForMultipleEvents, 20)(uint32_t count, const OsaHandle *events,
+                                                          uint32_t timeoutMs, int32_t waitAll, uint32_t *index) {
+    const uint32_t wait = osa::waitForEvents(count, events, waitAll != 0, timeoutMs);
+    if (wait >= osa::kWaitAbandoned0 && wait < osa::kWaitAbandoned0 + count) {
+        if (index != nullptr) *index = wait - osa::kWaitAbandoned0;
+        return RYN_FAILURE(kErrInvalidHandle);
+    }
+    if (wait < count) {
+        if (index != nullptr) *index = wait;
+        return 2;
+    }
+    if (wait == osa::kWaitTimeout) return 3;
+    return RYN_FAILURE(kErrFailed);
+}
+
+ResultCode RYN_DECORATED(RynDrvCancelTask, 8)(uint32_t, uint32_t) { return RYN_FAILURE(kErrNotProvided); }
+
+ResultCode RYN_DECORATED(RynDrvCreateEventQueue, 12)(uint32_t param1, uint32_t param2, DeviceHandle *queue) {
+    Request<28, 16> request(0x873);
+    request.put<16>(param1).put<20>(param2).put<24>(driverHandle());
+    const ResultCode result = request.send();
+    *queue = request.get<8>();
+    return result;
+}
+
+ResultCode RYN_DECORATED(RynDrvPollEvents, 4)(DeviceHandle handle) {
+    if (!isDriverObject(handle)) return RYN_FAILURE(kErrInvalidHandle);
+    Request<20, 12> request(0x875);
+    request.put<16>(handle);
+    return request.send();
+}
+
+ResultCode RYN_DECORATED(RynDrvGetEventData, 8)(DeviceHandle handle, EventData *record) {
+    Request<20, 44> request(0x8D3);
+    request.put<16>(handle);
+    const ResultCode result = request.send();
+    std::memcpy(record, request.replyBytes<8, sizeof(EventData)>(), sizeof(EventData));
+    return result;
+}
+
+ResultCode RYN_DECORATED(RynDrvGetEventDataEx, 16)(DeviceHandle handle, EventData *records, uint32_t param3,
+                                                   uint32_t *count) {
+    // The driver writes the records into the caller's array, which holds
+    // param3 records.
+    const uint64_t bytes = uint64_t{param3} * sizeof(EventData);
+    Request<28, 16> request(0x8D4);
+    request.put<16>(handle).putAddress<20>(records, bytes > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(bytes));
+    request.put<24>(param3);
+    const ResultCode result = request.send();
+    *count = request.get<8>();
+    return result;
+}
+
+ResultCode RYN_DECORATED(RynDrvSetEventData, 28)(DeviceHandle handle, uint32_t w2, uint32_t w3, uint32_t w4,
+                                                 uint32_t w5, uint32_t w6, uint32_t w7) {
+    return sendEventRecord(0x8D2, handle, {0, 0, w2, w3, w4, w5, w6, w7});
+}
+
+ResultCode RYN_DECORATED(RynDrvSetEventDataEx, 36)(DeviceHandle handle, uint32_t w2, uint32_t w3, uint32_t w4,
+                                                   uint32_t w5, uint32_t w6, uint32_t w7, uint32_t w0,
+                                                   uint32_t w1) {
+    return sendEventRecord(0x8D5, handle, {w0, w1, w2, w3, w4, w5, w6, w7});
+}
+
+ResultCode RYN_DECORATED(RynDrvEventCode2String, 16)(DeviceHandle handle, uint32_t eventCode, uint32_t param3,
+                                                     char *text) {
+    Request<28, 268> request(0x812);
+    // The second and third arguments change places in the request.
+    request.put<16>(handle).put<20>(param3).put<24>(eventCode);
+    const ResultCode result = request.send();
+    const uint8_t *reply = request.replyBytes<8, kEventTextSize>();
+    const size_t length = strnlen(reinterpret_cast<const char *>(reply), kEventTextSize - 1);
+    std::memcpy(text, reply, length);
+    text[length] = '\0';
+    return result;
+}
+
+}  // extern "C"
