@@ -85,7 +85,7 @@ TEST(OsaFiles, ReadAndSeekOrigins) {
 
     FILE *file = OsaFileOpen(path, "rb");
     ASSERT_NE(file, nullptr);
-    char buffer[4] = {};
+    char buffer[12] = {};
     EXPECT_EQ(OsaFileRead(buffer, 2, 2, file), 2u);
     EXPECT_EQ(std::string(buffer, 4), "0123");
     EXPECT_EQ(OsaFileSeek(file, 1, 3), -1);  // unknown origin: position unchanged
