@@ -17,7 +17,11 @@ void printResult(const char *what, ResultCode code) {
 }
 
 int info() {
-    std::printf("%-22s %s\n", "library", "RynHwDll 2.12.1.0");
+    char version[16] = {};
+    RynDrvGetAttributeValueSz(RYN_LIBRARY_PSEUDO_HANDLE, 9, version, sizeof version);
+    char module[16] = {};
+    RynDrvGetAttributeValueSz(RYN_LIBRARY_PSEUDO_HANDLE, 11, module, sizeof module);
+    std::printf("%-22s %s %s\n", "library", module, version);
     const ResultCode connected = RynDrvConnectLib();
     OsaHandle handle = INVALID_HANDLE_VALUE;
     if (RynDrvGetHandle(&handle) != 0) {
@@ -27,6 +31,13 @@ int info() {
     }
     std::printf("%-22s opened (handle %u)\n", "driver device", handle);
     printResult("version announcement", connected);
+    char driverVersion[80] = {};
+    const ResultCode read = RynDrvGetAttributeValueSz(RYN_DRIVER_PSEUDO_HANDLE, 13, driverVersion, sizeof driverVersion);
+    if (RynSuccess(read)) {
+        std::printf("%-22s %.79s\n", "driver version", driverVersion);
+    } else {
+        printResult("driver version", read);
+    }
     RynDrvReleaseLib();
     return 0;
 }
