@@ -4,13 +4,10 @@
 #include <string>
 
 #include "RynHwDll.h"
-#include "core/Compat.h"
-#include "support/FakeDriver.h"
+#include "support/ConnectedTest.h"
 
 namespace {
 
-using ryn::test::ConnectionGuard;
-using ryn::test::FakeDriver;
 using ryn::test::ScriptedReply;
 
 constexpr DeviceHandle kLibrary = RYN_LIBRARY_PSEUDO_HANDLE;
@@ -60,16 +57,7 @@ TEST(LibraryAttributes, TypeQueries) {
     EXPECT_EQ(flags, 1u);
 }
 
-class DriverAttributes : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_EQ(RynDrvConnectLib(), 0u);
-        driver.clear();
-    }
-    void TearDown() override { ryn::setDriverVersionLevel(0); }
-    FakeDriver driver;
-    ConnectionGuard guard;
-};
+using DriverAttributes = ryn::test::ConnectedTest;
 
 TEST_F(DriverAttributes, ReadBlocksAndCallerBufferRoundTrip) {
     uint8_t buffer[100];

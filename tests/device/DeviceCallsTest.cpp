@@ -1,28 +1,13 @@
 #include <gtest/gtest.h>
 
 #include "RynHwDll.h"
-#include "core/Compat.h"
-#include "support/FakeDriver.h"
+#include "support/ConnectedTest.h"
 
 namespace {
 
-using ryn::test::ConnectionGuard;
-using ryn::test::FakeDriver;
 using ryn::test::ScriptedReply;
 
-class DeviceCalls : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_EQ(RynDrvConnectLib(), 0u);
-        RynDrvGetHandle(&connection);
-        driver.clear();
-    }
-    void TearDown() override { ryn::setDriverVersionLevel(0); }
-
-    FakeDriver driver;
-    ConnectionGuard guard;
-    OsaHandle connection = 0;
-};
+using DeviceCalls = ryn::test::ConnectedTest;
 
 constexpr DeviceHandle kPhysical = 0x10000007, kLogical = 0x20000003, kPipe = 0x40000001, kOther = 0x60000002;
 

@@ -3,27 +3,13 @@
 #include <cstring>
 
 #include "RynHwDll.h"
-#include "core/Compat.h"
-#include "support/FakeDriver.h"
+#include "support/ConnectedTest.h"
 
 namespace {
 
-using ryn::test::ConnectionGuard;
-using ryn::test::FakeDriver;
 using ryn::test::ScriptedReply;
 
-class DriverEventCalls : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_EQ(RynDrvConnectLib(), 0u);
-        RynDrvGetHandle(&connection);
-        driver.clear();
-    }
-    void TearDown() override { ryn::setDriverVersionLevel(0); }
-    FakeDriver driver;
-    ConnectionGuard guard;
-    OsaHandle connection = 0;
-};
+using DriverEventCalls = ryn::test::ConnectedTest;
 
 TEST_F(DriverEventCalls, SetDataRequestsDifferOnlyInWordsZeroAndOne) {
     EXPECT_EQ(RynDrvSetEventData_28(0x20000001, 2, 3, 4, 5, 6, 7), 0u);
