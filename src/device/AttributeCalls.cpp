@@ -19,7 +19,8 @@ struct FreeBlock {
 };
 using Block = std::unique_ptr<uint8_t[], FreeBlock>;
 
-Block allocate(uint64_t length) { return Block(static_cast<uint8_t *>(std::malloc(length))); }
+// A zero-filled block, or null when the memory cannot be had.
+Block allocate(uint32_t length) { return Block(static_cast<uint8_t *>(std::calloc(1, length))); }
 
 // Attributes of the library pseudo-handle.
 struct LibraryAttribute {
@@ -75,7 +76,6 @@ ResultCode driverAttributeValue(DeviceHandle handle, int32_t id, void *buffer, u
     const uint32_t replyLength = bufferLength + kReplyOverhead;
     Block reply = allocate(replyLength);
     if (reply == nullptr) return RYN_FAILURE(kErrNoMemory);
-    std::memset(reply.get(), 0, replyLength);
     if (bufferLength != 0) std::memcpy(reply.get() + 16, buffer, bufferLength);
 
     uint8_t request[28] = {};
@@ -142,7 +142,6 @@ ResultCode RYN_DECORATED(RynDrvSetAttributeValue, 16)(DeviceHandle handle, int32
     const uint32_t requestLength = valueLength + kRequestOverhead;
     Block request = allocate(requestLength);
     if (request == nullptr) return RYN_FAILURE(kErrNoMemory);
-    std::memset(request.get(), 0, requestLength);
     store32(request.get() + 16, handle);
     store32(request.get() + 20, static_cast<uint32_t>(attribute));
     store32(request.get() + 24, valueLength);
