@@ -69,7 +69,7 @@ RYN_ENTRY(OsaHandle, OsaDeviceOpen, 4, (const char *name))
 /* Closes a device connection or an event object: nonzero on success, 0 for a
  * handle this layer did not give out. */
 RYN_ENTRY(int32_t, OsaDeviceClose, 4, (OsaHandle handle))
-/* One synchronous device I/O control request: nonzero on success.
+/* One synchronous device I/O control request: the driver's result, nonzero on success.
  * *returned receives the byte count the driver reports (never more than
  * outputLength). */
 RYN_ENTRY(int32_t, OsaDeviceIoControl, 28,

@@ -172,7 +172,7 @@ int32_t deviceIoControl(OsaHandle handle, uint32_t code, const void *input, uint
     uint32_t count = 0;
     const int ok = device->control(request, &count);
     if (returned != nullptr) *returned = std::min(count, outputLength);
-    return ok != 0 ? 1 : 0;
+    return ok;
 }
 
 }  // namespace ryn::osa
