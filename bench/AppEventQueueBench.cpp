@@ -78,9 +78,8 @@ void BM_SignalToWakeLatency(benchmark::State &state) {
     stop = true;
     waiter.join();
     // Each iteration is a round trip: two signal-to-wake latencies.
-    state.counters["wake_latency"] =
-        benchmark::Counter(static_cast<double>(state.iterations()) * 2,
-                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["wake_latency"] = benchmark::Counter(static_cast<double>(state.iterations()) * 2,
+                                                        benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
     RynDrvCloseEvent_4(ping);
     RynDrvCloseEvent_4(pong);
 }

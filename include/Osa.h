@@ -44,14 +44,14 @@ extern "C" {
 
 /* A function with both entry points: Name_N does the work, Name forwards to
  * it (and applies the driver-version translations of RynHwDll.h). */
-#define RYN_ENTRY(ret, name, n, params) \
+#define RYN_ENTRY(ret, name, n, params)        \
     RYN_API ret RYN_DECORATED(name, n) params; \
     RYN_API ret name params;
 
 /* A function exported only under its decorated name; the bare name is bound
  * to the same symbol. */
 #define RYN_ENTRY_DECORATED(ret, name, n, params) \
-    RYN_API ret RYN_DECORATED(name, n) params; \
+    RYN_API ret RYN_DECORATED(name, n) params;    \
     RYN_API ret name params __asm__(#name "_" #n);
 
 /* ---- Types -------------------------------------------------------------- */
@@ -73,8 +73,8 @@ RYN_ENTRY(int32_t, OsaDeviceClose, 4, (OsaHandle handle))
  * *returned receives the byte count the driver reports (never more than
  * outputLength). */
 RYN_ENTRY(int32_t, OsaDeviceIoControl, 28,
-          (OsaHandle handle, uint32_t code, const void *input, uint32_t inputLength,
-           void *output, uint32_t outputLength, uint32_t *returned))
+          (OsaHandle handle, uint32_t code, const void *input, uint32_t inputLength, void *output,
+           uint32_t outputLength, uint32_t *returned))
 
 /* ---- Strings (8-bit, NUL-terminated; characters compare as signed 8-bit
  *      values; ASCII-only case rules, no locale) ------------------------- */
@@ -143,10 +143,10 @@ typedef struct OsaMutex {
     } storage;
 } OsaMutex;
 
-RYN_ENTRY(void, OsaMutexInit, 4, (OsaMutex *mutex))
-RYN_ENTRY(void, OsaMutexLock, 4, (OsaMutex *mutex))
-RYN_ENTRY(void, OsaMutexUnlock, 4, (OsaMutex *mutex))
-RYN_ENTRY(void, OsaMutexDestroy, 4, (OsaMutex *mutex))
+RYN_ENTRY(void, OsaMutexInit, 4, (OsaMutex * mutex))
+RYN_ENTRY(void, OsaMutexLock, 4, (OsaMutex * mutex))
+RYN_ENTRY(void, OsaMutexUnlock, 4, (OsaMutex * mutex))
+RYN_ENTRY(void, OsaMutexDestroy, 4, (OsaMutex * mutex))
 /* Local time of a calendar time; NULL for a negative time. The result is
  * overwritten by the next call on the same thread. */
 RYN_ENTRY(struct tm *, OsaStdLocalTime, 4, (const int32_t *time))

@@ -36,16 +36,18 @@ typedef struct RynDriverBuffer {
 } RynDriverBuffer;
 
 typedef struct RynDriverRequest {
-    uint32_t code;                       /* device I/O control code */
-    const void *input;  uint32_t inputLength;
-    void *output;       uint32_t outputLength;
-    const RynDriverBuffer *buffers;      /* caller buffers named by address fields of the input */
+    uint32_t code; /* device I/O control code */
+    const void *input;
+    uint32_t inputLength;
+    void *output;
+    uint32_t outputLength;
+    const RynDriverBuffer *buffers; /* caller buffers named by address fields of the input */
     uint32_t bufferCount;
 } RynDriverRequest;
 
 typedef struct RynUserDriver {
-    uint32_t abi;                                                      /* RYN_USER_DRIVER_ABI */
-    void *(*open)(const char *deviceName);                             /* e.g. "RYNDRV"; NULL refuses */
+    uint32_t abi;                                                                      /* RYN_USER_DRIVER_ABI */
+    void *(*open)(const char *deviceName);                                             /* e.g. "RYNDRV"; NULL refuses */
     int (*control)(void *device, const RynDriverRequest *request, uint32_t *returned); /* 0 = the call failed */
     void (*close)(void *device);
 } RynUserDriver;

@@ -32,7 +32,8 @@ int info() {
     std::printf("%-22s opened (handle %u)\n", "driver device", handle);
     printResult("version announcement", connected);
     char driverVersion[80] = {};
-    const ResultCode read = RynDrvGetAttributeValueSz(RYN_DRIVER_PSEUDO_HANDLE, 13, driverVersion, sizeof driverVersion);
+    const ResultCode read =
+        RynDrvGetAttributeValueSz(RYN_DRIVER_PSEUDO_HANDLE, 13, driverVersion, sizeof driverVersion);
     if (RynSuccess(read)) {
         std::printf("%-22s %.79s\n", "driver version", driverVersion);
     } else {

@@ -15,8 +15,8 @@ uint32_t RYN_DECORATED(RynResultLineNum, 4)(ResultCode code) { return (code >> 8
 
 uint32_t RYN_DECORATED(RynResultErrorCode, 4)(ResultCode code) { return code & 0xFFu; }
 
-void RYN_DECORATED(RynResultCode, 20)(ResultCode code, uint32_t *errorCode, uint32_t *severity,
-                                      uint32_t *sourceId, uint32_t *lineNum) {
+void RYN_DECORATED(RynResultCode, 20)(ResultCode code, uint32_t *errorCode, uint32_t *severity, uint32_t *sourceId,
+                                      uint32_t *lineNum) {
     *errorCode = ryn::reduceToErrorNumber(code);
     *severity = code >> 31;
     *sourceId = (code >> 23) & 0xFFu;

@@ -60,12 +60,9 @@ uint32_t compatSpmId(uint32_t id) {
     // Rows from the newest level down; the first row whose lowest level the
     // driver reaches applies.
     static constexpr Row kRows[] = {
-        {10139, {0, 1, N, 3, 4, 6, 7, 8, 9, N, N}},
-        {10137, {0, N, 1, N, 3, 4, 6, N, 7, 8, 9}},
-        {10128, {0, 1, 3, 4, 6, N, 7, 8, 9, N, N}},
-        {10126, {0, 1, 4, 6, N, 7, 8, 9, N, N, N}},
-        {10125, {0, 1, 4, N, 6, N, 7, 8, 9, N, N}},
-        {10120, {0, 1, 4, N, 6, N, N, N, N, N, N}},
+        {10139, {0, 1, N, 3, 4, 6, 7, 8, 9, N, N}}, {10137, {0, N, 1, N, 3, 4, 6, N, 7, 8, 9}},
+        {10128, {0, 1, 3, 4, 6, N, 7, 8, 9, N, N}}, {10126, {0, 1, 4, 6, N, 7, 8, 9, N, N, N}},
+        {10125, {0, 1, 4, N, 6, N, 7, 8, 9, N, N}}, {10120, {0, 1, 4, N, 6, N, N, N, N, N, N}},
     };
     const uint32_t level = driverVersionLevel();
     if (level == 0 || level >= 10142) return id;

@@ -9,21 +9,21 @@ namespace ryn {
 
 // Error numbers (bits 0..7) of the codes the library raises.
 enum Error : uint8_t {
-    kErrNothingToRead = 1,     // status: an application event queue is empty
-    kErrBadData = 5,           // data not in the expected form
-    kErrNotProvided = 6,       // operation not provided
-    kErrNoTransferMemory = 7,  // memory for a transfer buffer not obtained
-    kErrNoMemory = 8,          // memory not obtained, or no free slot
-    kErrRange = 9,             // argument out of range
-    kErrNullPointer = 10,      // null pointer argument
-    kErrInvalidHandle = 11,    // handle of the wrong kind, zero, or not open
-    kErrLengthMismatch = 12,   // length mismatch
-    kErrFailed = 13,           // operation failed
-    kErrUnknownAttribute = 16, // unknown attribute
-    kErrNotAvailable = 17,     // not available
-    kErrNotConnected = 22,     // not connected
-    kErrWarning = 26,          // status: warning
-    kErrImageFull = 29,        // image buffer full
+    kErrNothingToRead = 1,      // status: an application event queue is empty
+    kErrBadData = 5,            // data not in the expected form
+    kErrNotProvided = 6,        // operation not provided
+    kErrNoTransferMemory = 7,   // memory for a transfer buffer not obtained
+    kErrNoMemory = 8,           // memory not obtained, or no free slot
+    kErrRange = 9,              // argument out of range
+    kErrNullPointer = 10,       // null pointer argument
+    kErrInvalidHandle = 11,     // handle of the wrong kind, zero, or not open
+    kErrLengthMismatch = 12,    // length mismatch
+    kErrFailed = 13,            // operation failed
+    kErrUnknownAttribute = 16,  // unknown attribute
+    kErrNotAvailable = 17,      // not available
+    kErrNotConnected = 22,      // not connected
+    kErrWarning = 26,           // status: warning
+    kErrImageFull = 29,         // image buffer full
 };
 
 // SourceId (bits 23..30) of each module of the library.

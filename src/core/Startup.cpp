@@ -41,8 +41,8 @@ uint32_t parseDriverVersion(std::string_view version) {
 void runLoadStep() {
     RYN_DECORATED(RynDrvConnectLib, 0)();
     char version[kVersionBufferSize] = {};
-    RYN_DECORATED(RynDrvGetAttributeValueSz, 16)(RYN_DRIVER_PSEUDO_HANDLE, kDriverVersionAttribute, version,
-                                                 sizeof version);
+    RYN_DECORATED(RynDrvGetAttributeValueSz, 16)
+    (RYN_DRIVER_PSEUDO_HANDLE, kDriverVersionAttribute, version, sizeof version);
     setDriverVersionLevel(parseDriverVersion(std::string_view(version, strnlen(version, sizeof version))));
     RYN_DECORATED(RynDrvReleaseLib, 0)();
 }

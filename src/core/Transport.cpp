@@ -7,10 +7,9 @@ namespace ryn {
 ResultCode exchange(uint32_t function, std::span<const uint8_t> request, std::span<uint8_t> reply,
                     uint32_t resultOffset, const TransportCodes &codes, std::span<const RynDriverBuffer> buffers) {
     uint32_t returned = 0;
-    const int32_t ok = osa::deviceIoControl(driverHandle(), ioControlCode(function), request.data(),
-                                            static_cast<uint32_t>(request.size()), reply.data(),
-                                            static_cast<uint32_t>(reply.size()), &returned, buffers.data(),
-                                            static_cast<uint32_t>(buffers.size()));
+    const int32_t ok = osa::deviceIoControl(
+        driverHandle(), ioControlCode(function), request.data(), static_cast<uint32_t>(request.size()), reply.data(),
+        static_cast<uint32_t>(reply.size()), &returned, buffers.data(), static_cast<uint32_t>(buffers.size()));
     uint8_t *result = reply.data() + resultOffset;
     if (ok == 0) store32(result, codes.callFailed);
     if (returned == 0) store32(result, codes.noReply);

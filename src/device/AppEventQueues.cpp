@@ -19,8 +19,8 @@ struct Queue {
     uint32_t count;
     uint32_t readIndex;
     uint32_t writeIndex;
-    EventData *storage;  // capacity entries, 0xFF while unused
-    EventData **entries; // per ring position, the entry written there
+    EventData *storage;   // capacity entries, 0xFF while unused
+    EventData **entries;  // per ring position, the entry written there
 };
 
 struct Table {
@@ -42,8 +42,8 @@ uint32_t advance(const Queue &queue, uint32_t index) { return index + 1 == queue
 
 // Takes the oldest entry out into `record`.
 void takeOldest(Queue &queue, EventData &record) {
-    EventData *entry = queue.entries[queue.readIndex] != nullptr ? queue.entries[queue.readIndex]
-                                                                 : &queue.storage[queue.readIndex];
+    EventData *entry =
+        queue.entries[queue.readIndex] != nullptr ? queue.entries[queue.readIndex] : &queue.storage[queue.readIndex];
     record = *entry;
     std::memset(entry, 0xFF, sizeof *entry);
     queue.readIndex = advance(queue, queue.readIndex);
@@ -168,16 +168,15 @@ ResultCode RYN_DECORATED(RynGetAppEventDataEx, 16)(int32_t queue, EventData *rec
     });
 }
 
-ResultCode RYN_DECORATED(RynQueueAppEventDataEx, 36)(int32_t queue, uint32_t w2, uint32_t w3, uint32_t w4,
-                                                     uint32_t w5, uint32_t w6, uint32_t w7, uint32_t w0,
-                                                     uint32_t w1) {
+ResultCode RYN_DECORATED(RynQueueAppEventDataEx, 36)(int32_t queue, uint32_t w2, uint32_t w3, uint32_t w4, uint32_t w5,
+                                                     uint32_t w6, uint32_t w7, uint32_t w0, uint32_t w1) {
     return withQueue(queue, [=](Queue &slot) -> ResultCode {
         if (const ResultCode refused = usableQueue(slot)) return refused;
         EventData *entry = nullptr;
         if (slot.count >= slot.capacity) {
             // Full: the oldest record is overwritten and lost.
-            entry = slot.entries[slot.readIndex] != nullptr ? slot.entries[slot.readIndex]
-                                                            : &slot.storage[slot.readIndex];
+            entry =
+                slot.entries[slot.readIndex] != nullptr ? slot.entries[slot.readIndex] : &slot.storage[slot.readIndex];
             slot.readIndex = advance(slot, slot.readIndex);
         } else {
             ++slot.count;
@@ -200,9 +199,8 @@ ResultCode RYN_DECORATED(RynSignalAppEvent, 4)(int32_t queue) {
     return RYN_DECORATED(RynDrvSignalEvent, 4)(event);  // outside the lock
 }
 
-ResultCode RYN_DECORATED(RynSetAppEventDataEx, 36)(int32_t queue, uint32_t w2, uint32_t w3, uint32_t w4,
-                                                   uint32_t w5, uint32_t w6, uint32_t w7, uint32_t w0,
-                                                   uint32_t w1) {
+ResultCode RYN_DECORATED(RynSetAppEventDataEx, 36)(int32_t queue, uint32_t w2, uint32_t w3, uint32_t w4, uint32_t w5,
+                                                   uint32_t w6, uint32_t w7, uint32_t w0, uint32_t w1) {
     const ResultCode queued = RYN_DECORATED(RynQueueAppEventDataEx, 36)(queue, w2, w3, w4, w5, w6, w7, w0, w1);
     if (isFailure(queued)) return queued;
     return RYN_DECORATED(RynSignalAppEvent, 4)(queue);

@@ -121,8 +121,7 @@ ResultCode RYN_DECORATED(RynDrvGetAttributeValueBool, 12)(DeviceHandle handle, i
     return RYN_DECORATED(RynDrvGetAttributeValue, 20)(handle, attribute, value, 4, &returned);
 }
 
-ResultCode RYN_DECORATED(RynDrvGetAttributeValueUint32, 12)(DeviceHandle handle, int32_t attribute,
-                                                            uint32_t *value) {
+ResultCode RYN_DECORATED(RynDrvGetAttributeValueUint32, 12)(DeviceHandle handle, int32_t attribute, uint32_t *value) {
     uint32_t returned = 0;
     return RYN_DECORATED(RynDrvGetAttributeValue, 20)(handle, attribute, value, 4, &returned);
 }
@@ -154,8 +153,7 @@ ResultCode RYN_DECORATED(RynDrvSetAttributeValueBool, 12)(DeviceHandle handle, i
     return RYN_DECORATED(RynDrvSetAttributeValue, 16)(handle, attribute, &value, 4);
 }
 
-ResultCode RYN_DECORATED(RynDrvSetAttributeValueUint32, 12)(DeviceHandle handle, int32_t attribute,
-                                                            uint32_t value) {
+ResultCode RYN_DECORATED(RynDrvSetAttributeValueUint32, 12)(DeviceHandle handle, int32_t attribute, uint32_t value) {
     return RYN_DECORATED(RynDrvSetAttributeValue, 16)(handle, attribute, &value, 4);
 }
 

@@ -82,8 +82,7 @@ ResultCode RYN_DECORATED(RynDrvGetDeviceHandle, 16)(DeviceHandle parent, int32_t
 }
 
 ResultCode RYN_DECORATED(RynDrvOpenPhysicalDevice, 24)(uint32_t param1, uint32_t param2, uint32_t param3,
-                                                       uint32_t param4, uint32_t param5,
-                                                       DeviceHandle *physicalDevice) {
+                                                       uint32_t param4, uint32_t param5, DeviceHandle *physicalDevice) {
     Request<36, 16> request(0x871);
     // The fourth and fifth arguments change places in the request.
     request.put<16>(param1).put<20>(param2).put<24>(param3).put<28>(param5).put<32>(param4);
@@ -99,8 +98,7 @@ ResultCode RYN_DECORATED(RynDrvOpenPhysicalDeviceEx, 12)(uint32_t param1, uint32
 }
 
 ResultCode RYN_DECORATED(RynDrvCreateLogicalDevice, 20)(DeviceHandle physicalDevice, int32_t deviceType,
-                                                        uint32_t param3, uint32_t param4,
-                                                        DeviceHandle *logicalDevice) {
+                                                        uint32_t param3, uint32_t param4, DeviceHandle *logicalDevice) {
     if (!isPhysicalDevice(physicalDevice)) return RYN_FAILURE(kErrInvalidHandle);
     Request<36, 16> request(0x872);
     request.put<16>(physicalDevice).put<20>(static_cast<uint32_t>(deviceType)).put<24>(param3);
@@ -124,15 +122,15 @@ ResultCode RYN_DECORATED(RynDrvConnectLogicalDevice, 16)(DeviceHandle handleA, u
     return sendLogicalConnection(0x813, handleA, portA, handleB, portB);
 }
 
-ResultCode RYN_DECORATED(RynDrvDisconnectLogicalDevice, 16)(DeviceHandle handleA, uint32_t portA,
-                                                            DeviceHandle handleB, uint32_t portB) {
+ResultCode RYN_DECORATED(RynDrvDisconnectLogicalDevice, 16)(DeviceHandle handleA, uint32_t portA, DeviceHandle handleB,
+                                                            uint32_t portB) {
     if (!isLogicalOrPipe(handleA)) return RYN_FAILURE(kErrInvalidHandle);
     if (!isLogicalOrPipe(handleB)) return RYN_FAILURE(kErrInvalidHandle);
     return sendLogicalConnection(0x814, handleA, portA, handleB, portB);
 }
 
-ResultCode RYN_DECORATED(RynDrvConnectPipe, 24)(DeviceHandle pipe, uint32_t portA, DeviceHandle device,
-                                                uint32_t portB, const uint8_t *data, int32_t dataLength) {
+ResultCode RYN_DECORATED(RynDrvConnectPipe, 24)(DeviceHandle pipe, uint32_t portA, DeviceHandle device, uint32_t portB,
+                                                const uint8_t *data, int32_t dataLength) {
     if (!isPipe(pipe)) return RYN_FAILURE(kErrInvalidHandle);
     if (!isPhysicalDevice(device)) return RYN_FAILURE(kErrInvalidHandle);
     if (data == nullptr) dataLength = 0;

@@ -50,8 +50,8 @@ ResultCode RYN_DECORATED(RynDrvWaitForSingleEvent, 8)(OsaHandle event, uint32_t 
     return RYN_FAILURE(kErrFailed);
 }
 
-ResultCode RYN_DECORATED(RynDrvWaitForMultipleEvents, 20)(uint32_t count, const OsaHandle *events,
-                                                          uint32_t timeoutMs, int32_t waitAll, uint32_t *index) {
+ResultCode RYN_DECORATED(RynDrvWaitForMultipleEvents, 20)(uint32_t count, const OsaHandle *events, uint32_t timeoutMs,
+                                                          int32_t waitAll, uint32_t *index) {
     const uint32_t wait = osa::waitForEvents(count, events, waitAll != 0, timeoutMs);
     if (wait >= osa::kWaitAbandoned0 && wait < osa::kWaitAbandoned0 + count) {
         if (index != nullptr) *index = wait - osa::kWaitAbandoned0;
@@ -109,8 +109,7 @@ ResultCode RYN_DECORATED(RynDrvSetEventData, 28)(DeviceHandle handle, uint32_t w
 }
 
 ResultCode RYN_DECORATED(RynDrvSetEventDataEx, 36)(DeviceHandle handle, uint32_t w2, uint32_t w3, uint32_t w4,
-                                                   uint32_t w5, uint32_t w6, uint32_t w7, uint32_t w0,
-                                                   uint32_t w1) {
+                                                   uint32_t w5, uint32_t w6, uint32_t w7, uint32_t w0, uint32_t w1) {
     return sendEventRecord(0x8D5, handle, {w0, w1, w2, w3, w4, w5, w6, w7});
 }
 

@@ -26,36 +26,39 @@ using ResultOf = typename Signature<Fn>::Result;
 template <auto Fn, std::size_t I>
 using ArgOf = std::tuple_element_t<I, typename Signature<Fn>::Arguments>;
 
+// A signed identifier through one of the translations, in the argument's own type.
 template <class T>
-T fromSigned(int32_t value) {
-    return static_cast<T>(value);
+T translated(T value, int32_t (*translation)(int32_t)) {
+    return static_cast<T>(translation(static_cast<int32_t>(value)));
 }
 
 template <auto Fn, Translation T, class... A>
 ResultOf<Fn> forward(A... args) {
     static_assert(std::is_same_v<std::tuple<A...>, typename Signature<Fn>::Arguments>);
+    auto arguments = std::tie(args...);
     if constexpr (T == Translation::AttributeId) {
-        std::get<1>(std::tie(args...)) = fromSigned<ArgOf<Fn, 1>>(compatAttributeId(static_cast<int32_t>(std::get<1>(std::tie(args...)))));
+        std::get<1>(arguments) = translated(std::get<1>(arguments), compatAttributeId);
     } else if constexpr (T == Translation::DeviceTypeIn) {
-        std::get<1>(std::tie(args...)) = fromSigned<ArgOf<Fn, 1>>(compatDeviceTypeToDriver(static_cast<int32_t>(std::get<1>(std::tie(args...)))));
+        std::get<1>(arguments) = translated(std::get<1>(arguments), compatDeviceTypeToDriver);
     } else if constexpr (T == Translation::SpmId) {
-        std::get<1>(std::tie(args...)) = static_cast<ArgOf<Fn, 1>>(compatSpmId(static_cast<uint32_t>(std::get<1>(std::tie(args...)))));
+        std::get<1>(arguments) = static_cast<ArgOf<Fn, 1>>(compatSpmId(static_cast<uint32_t>(std::get<1>(arguments))));
     }
 
     if constexpr (std::is_void_v<ResultOf<Fn>>) {
-        static_assert(T == Translation::None, "only the translation None applies to a function without result");
+        static_assert(T == Translation::None, "a function without result has nothing to translate");
         Fn(args...);
     } else {
         const ResultOf<Fn> result = Fn(args...);
         if constexpr (T == Translation::None) {
             return result;
         } else {
+            // Out-values are translated whatever the result.
             if constexpr (T == Translation::DeviceTypeOut) {
-                auto *type = std::get<2>(std::tie(args...));
-                if (type != nullptr) *type = fromSigned<std::remove_pointer_t<decltype(type)>>(compatDeviceTypeFromDriver(static_cast<int32_t>(*type)));
+                if (auto *type = std::get<2>(arguments); type != nullptr)
+                    *type = translated(*type, compatDeviceTypeFromDriver);
             } else if constexpr (T == Translation::EventWord2) {
-                EventData *record = std::get<1>(std::tie(args...));
-                record->word[2] = static_cast<uint32_t>(compatDeviceTypeFromDriver(static_cast<int32_t>(record->word[2])));
+                EventData *record = std::get<1>(arguments);
+                record->word[2] = translated(record->word[2], compatDeviceTypeFromDriver);
             }
             return compatResultCode(result);
         }

@@ -5,13 +5,12 @@
 #include "RynHwDll.h"
 #include "exports/Forwarders.h"
 
-#define RYN_EXPORT(name, n, bare, translation)                                                          \
-    static_assert(std::tuple_size_v<::ryn::exports::Signature<&RYN_DECORATED(name, n)>::Arguments> * 4 == \
-                      (n),                                                                              \
-                  #name ": argument bytes do not match the declaration");                               \
+#define RYN_EXPORT(name, n, bare, translation)                                                                  \
+    static_assert(std::tuple_size_v<::ryn::exports::Signature<&RYN_DECORATED(name, n)>::Arguments> * 4 == (n),  \
+                  #name ": argument bytes do not match the declaration");                                       \
     extern "C" ::ryn::exports::ResultOf<&RYN_DECORATED(name, n)> bare(RYN_PARAMS_##n(RYN_DECORATED(name, n))) { \
-        return ::ryn::exports::forward<&RYN_DECORATED(name, n), ::ryn::exports::Translation::translation>(   \
-            RYN_ARGS_##n);                                                                              \
+        return ::ryn::exports::forward<&RYN_DECORATED(name, n), ::ryn::exports::Translation::translation>(      \
+            RYN_ARGS_##n);                                                                                      \
     }
 #define RYN_EXPORT_DECORATED(name, n)
 

@@ -206,9 +206,8 @@ int32_t RYN_DECORATED(OsaDeviceClose, 4)(OsaHandle handle) {
     return 1;
 }
 
-int32_t RYN_DECORATED(OsaDeviceIoControl, 28)(OsaHandle handle, uint32_t code, const void *input,
-                                              uint32_t inputLength, void *output, uint32_t outputLength,
-                                              uint32_t *returned) {
+int32_t RYN_DECORATED(OsaDeviceIoControl, 28)(OsaHandle handle, uint32_t code, const void *input, uint32_t inputLength,
+                                              void *output, uint32_t outputLength, uint32_t *returned) {
     return ryn::osa::deviceIoControl(handle, code, input, inputLength, output, outputLength, returned, nullptr, 0);
 }
 

@@ -18,8 +18,8 @@ void unregisterDevice(std::string_view name);
 
 // One device I/O control request, with the caller buffers that address
 // fields of the input name. Nonzero on success, as OsaDeviceIoControl.
-int32_t deviceIoControl(OsaHandle handle, uint32_t code, const void *input, uint32_t inputLength,
-                        void *output, uint32_t outputLength, uint32_t *returned,
-                        const RynDriverBuffer *buffers, uint32_t bufferCount);
+int32_t deviceIoControl(OsaHandle handle, uint32_t code, const void *input, uint32_t inputLength, void *output,
+                        uint32_t outputLength, uint32_t *returned, const RynDriverBuffer *buffers,
+                        uint32_t bufferCount);
 
 }  // namespace ryn::osa

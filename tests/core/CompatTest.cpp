@@ -33,9 +33,9 @@ TEST_F(Level, AttributeIdentifiersAtTheBoundaries) {
         uint32_t level;
         int32_t in, out;
     } cases[] = {
-        {0, 6, 6},          {10119, 6, INT32_MIN}, {10119, 0, INT32_MIN}, {10120, 6, 9},  {10120, 5, 5},
-        {10130, 6, 9},      {10138, 6, 9},         {10139, 6, 7},         {10145, 6, 7},  {10146, 100, 101},
-        {10147, 6, 6},      {10139, 5, 5},         {10130, -3, -3},       {10100, 1, INT32_MIN},
+        {0, 6, 6},     {10119, 6, INT32_MIN}, {10119, 0, INT32_MIN}, {10120, 6, 9},         {10120, 5, 5},
+        {10130, 6, 9}, {10138, 6, 9},         {10139, 6, 7},         {10145, 6, 7},         {10146, 100, 101},
+        {10147, 6, 6}, {10139, 5, 5},         {10130, -3, -3},       {10100, 1, INT32_MIN},
     };
     for (const Case &c : cases) {
         setDriverVersionLevel(c.level);
@@ -48,12 +48,20 @@ TEST_F(Level, DeviceTypesBothDirections) {
     struct Pair {
         int32_t in, out;
     };
-    for (const Pair &p : std::initializer_list<Pair>{{0, 0}, {-15, -15}, {-16, -16}, {-17, -16}, {-30, -29},
-                                                    {-31, -31}, {-32, -30}, {-42, -40}, {-43, -43}, {5, 5}}) {
+    for (const Pair &p : std::initializer_list<Pair>{{0, 0},
+                                                     {-15, -15},
+                                                     {-16, -16},
+                                                     {-17, -16},
+                                                     {-30, -29},
+                                                     {-31, -31},
+                                                     {-32, -30},
+                                                     {-42, -40},
+                                                     {-43, -43},
+                                                     {5, 5}}) {
         EXPECT_EQ(compatDeviceTypeToDriver(p.in), p.out) << p.in;
     }
-    for (const Pair &p : std::initializer_list<Pair>{{0, 0}, {-15, -15}, {-16, -17}, {-29, -30}, {-30, -32},
-                                                    {-40, -42}, {-41, -41}, {7, 7}}) {
+    for (const Pair &p : std::initializer_list<Pair>{
+             {0, 0}, {-15, -15}, {-16, -17}, {-29, -30}, {-30, -32}, {-40, -42}, {-41, -41}, {7, 7}}) {
         EXPECT_EQ(compatDeviceTypeFromDriver(p.in), p.out) << p.in;
     }
     for (uint32_t level : {0u, 10137u, 10200u}) {
@@ -76,10 +84,25 @@ TEST_F(Level, ModuleIdentifiersByLevelRow) {
         uint32_t level;
         uint32_t in, out;
     } cases[] = {
-        {0, 2, 2},           {10142, 2, 2},        {10142, 500, 500},   {10141, 2, 0xFFFFFFFF}, {10141, 5, 6},
-        {10139, 8, 9},       {10138, 2, 1},        {10138, 1, 0xFFFFFFFF}, {10137, 10, 9},      {10136, 2, 3},
-        {10128, 4, 6},       {10127, 3, 6},        {10126, 5, 7},       {10125, 3, 0xFFFFFFFF}, {10125, 4, 6},
-        {10124, 4, 6},       {10120, 6, 0xFFFFFFFF}, {10119, 0, 0xFFFFFFFF}, {10138, 11, 0xFFFFFFFF},
+        {0, 2, 2},
+        {10142, 2, 2},
+        {10142, 500, 500},
+        {10141, 2, 0xFFFFFFFF},
+        {10141, 5, 6},
+        {10139, 8, 9},
+        {10138, 2, 1},
+        {10138, 1, 0xFFFFFFFF},
+        {10137, 10, 9},
+        {10136, 2, 3},
+        {10128, 4, 6},
+        {10127, 3, 6},
+        {10126, 5, 7},
+        {10125, 3, 0xFFFFFFFF},
+        {10125, 4, 6},
+        {10124, 4, 6},
+        {10120, 6, 0xFFFFFFFF},
+        {10119, 0, 0xFFFFFFFF},
+        {10138, 11, 0xFFFFFFFF},
         {10138, 0xFFFFFFFF, 0xFFFFFFFF},
     };
     for (const Case &c : cases) {
@@ -96,9 +119,9 @@ TEST(VersionParse, ExamplesAndOddForms) {
     EXPECT_EQ(parseDriverVersion("1.01.20-p5"), 10105u);
     EXPECT_EQ(parseDriverVersion("2.0.0.0"), 20000u);
     EXPECT_EQ(parseDriverVersion(""), 0u);
-    EXPECT_EQ(parseDriverVersion("1.01.30-7"), 10107u);     // no P: the text after '-'
-    EXPECT_EQ(parseDriverVersion("1.01.37.0.9"), 10137u);   // stops after the fourth component
-    EXPECT_EQ(parseDriverVersion("x.01.37.0"), 137u);       // a component without digits counts 0
+    EXPECT_EQ(parseDriverVersion("1.01.30-7"), 10107u);    // no P: the text after '-'
+    EXPECT_EQ(parseDriverVersion("1.01.37.0.9"), 10137u);  // stops after the fourth component
+    EXPECT_EQ(parseDriverVersion("x.01.37.0"), 137u);      // a component without digits counts 0
 }
 
 }  // namespace

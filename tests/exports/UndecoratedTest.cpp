@@ -17,7 +17,7 @@ protected:
 TEST_F(Undecorated, ResultTranslationFollowsTheLevel) {
     FakeDriver driver;
     for (const auto &[level, expected] : {std::pair{0u, 0xB5008D0Bu}, std::pair{10130u, 0x8000000Bu},
-                                         std::pair{10140u, 0xB5008D0Bu}, std::pair{10100u, 0xB5008D0Bu}}) {
+                                          std::pair{10140u, 0xB5008D0Bu}, std::pair{10100u, 0xB5008D0Bu}}) {
         ConnectionGuard guard;
         ryn::setDriverVersionLevel(level);
         driver.script(ryn::test::resultReply(0xB5008D0B));

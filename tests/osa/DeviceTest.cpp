@@ -84,7 +84,7 @@ TEST(OsaDevice, DriverModuleFromTheLibraryFolder) {
     std::memcpy(&code, out + 8, 4);
     std::memcpy(&nameLength, out + 12, 4);
     EXPECT_EQ(code, 0x2221B8u);
-    EXPECT_EQ(nameLength, 10u);  // the module saw the name as it was given
+    EXPECT_EQ(nameLength, 10u);                                    // the module saw the name as it was given
     EXPECT_EQ(OsaDeviceOpen("RYNMODTEST"), INVALID_HANDLE_VALUE);  // exclusive across modules too
     EXPECT_NE(OsaDeviceClose(handle), 0);
 

@@ -81,9 +81,7 @@ TEST(EventObjects, WaitAllTakesEveryEventAtOnce) {
     EXPECT_EQ(RynDrvWaitForSingleEvent_8(e.handles[0], 0), 0u) << "a timed-out wait-all consumes nothing";
     RynDrvSignalEvent_4(e.handles[0]);
 
-    std::thread late([&] {
-        RynDrvSignalEvent_4(e.handles[1]);
-    });
+    std::thread late([&] { RynDrvSignalEvent_4(e.handles[1]); });
     EXPECT_EQ(RynDrvWaitForMultipleEvents_20(3, e.handles.data(), 5000, 1, &index), 2u);
     late.join();
     EXPECT_EQ(index, 0u);

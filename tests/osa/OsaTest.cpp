@@ -147,8 +147,8 @@ TEST_F(PipedInput, TrailingSeparatorAndCharactersOfTheScript) {
     OsaConsoleInput(script);
     char line[32];
     EXPECT_EQ(OsaConsoleGetCh(), '1');
-    EXPECT_EQ(OsaConsoleGetCh(), '^');        // a separator is an ordinary character here
-    EXPECT_EQ(OsaConsoleGetCh(), -23);        // 0xE9, sign-widened
+    EXPECT_EQ(OsaConsoleGetCh(), '^');         // a separator is an ordinary character here
+    EXPECT_EQ(OsaConsoleGetCh(), -23);         // 0xE9, sign-widened
     EXPECT_STREQ(OsaConsoleGetStr(line), "");  // the trailing '^' ends an empty line
     EXPECT_STREQ(OsaConsoleGetStr(line), "rest");
 }

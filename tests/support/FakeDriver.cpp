@@ -26,7 +26,8 @@ std::string upper(std::string name) {
 }  // namespace
 
 FakeDriver::FakeDriver(const char *deviceName)
-    : name_(upper(deviceName)), driver_{RYN_USER_DRIVER_ABI, &FakeDriver::open, &FakeDriver::control, &FakeDriver::close} {
+    : name_(upper(deviceName)),
+      driver_{RYN_USER_DRIVER_ABI, &FakeDriver::open, &FakeDriver::control, &FakeDriver::close} {
     if (!osa::registerDevice(name_, &driver_)) throw std::runtime_error("device name already registered");
     std::lock_guard lock(fakesMutex);
     liveFakes().emplace_back(name_, this);

@@ -32,11 +32,11 @@ struct RecordedRequest {
 };
 
 struct ScriptedReply {
-    int ok = 1;                               // 0: the call fails
-    std::optional<uint32_t> returned;         // default: the whole reply
-    std::vector<std::pair<uint32_t, uint32_t>> words;  // 32-bit values at reply offsets
+    int ok = 1;                                                    // 0: the call fails
+    std::optional<uint32_t> returned;                              // default: the whole reply
+    std::vector<std::pair<uint32_t, uint32_t>> words;              // 32-bit values at reply offsets
     std::vector<std::pair<uint32_t, std::vector<uint8_t>>> bytes;  // byte runs at reply offsets
-    std::function<void(const RynDriverRequest &)> action;  // runs before the reply is written
+    std::function<void(const RynDriverRequest &)> action;          // runs before the reply is written
 
     ScriptedReply &word(uint32_t offset, uint32_t value) {
         words.emplace_back(offset, value);
