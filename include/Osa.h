@@ -143,10 +143,10 @@ typedef struct OsaMutex {
     } storage;
 } OsaMutex;
 
-RYN_ENTRY(void, OsaMutexInit, 4, (OsaMutex * mutex))
-RYN_ENTRY(void, OsaMutexLock, 4, (OsaMutex * mutex))
-RYN_ENTRY(void, OsaMutexUnlock, 4, (OsaMutex * mutex))
-RYN_ENTRY(void, OsaMutexDestroy, 4, (OsaMutex * mutex))
+RYN_ENTRY(void, OsaMutexInit, 4, (OsaMutex *mutex))
+RYN_ENTRY(void, OsaMutexLock, 4, (OsaMutex *mutex))
+RYN_ENTRY(void, OsaMutexUnlock, 4, (OsaMutex *mutex))
+RYN_ENTRY(void, OsaMutexDestroy, 4, (OsaMutex *mutex))
 /* Local time of a calendar time; NULL for a negative time. The result is
  * overwritten by the next call on the same thread. */
 RYN_ENTRY(struct tm *, OsaStdLocalTime, 4, (const int32_t *time))

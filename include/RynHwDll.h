@@ -74,14 +74,14 @@ RYN_ENTRY(ResultCode, RynNetConnectLib, 0, (void))
 /* Closes the connection and every open application event queue. */
 RYN_ENTRY(ResultCode, RynDrvReleaseLib, 0, (void))
 /* The operating-system handle of the open connection. */
-RYN_ENTRY(ResultCode, RynDrvGetHandle, 4, (OsaHandle * handle))
+RYN_ENTRY(ResultCode, RynDrvGetHandle, 4, (OsaHandle *handle))
 
 /* ---- Devices, boards, logical devices and pipes ------------------------- */
 
 /* Enumeration: begin sets the iterator to 0; each enumeration call sends it
  * and stores the driver's next value (-1 when nothing follows). Out-values
  * are written whatever the result; the pointers are not tested for null. */
-RYN_ENTRY(ResultCode, RynDrvIteratorBegin, 4, (int32_t * iterator))
+RYN_ENTRY(ResultCode, RynDrvIteratorBegin, 4, (int32_t *iterator))
 /* 1 while the enumeration can go on (iterator not -1), else 0. */
 RYN_ENTRY(int32_t, RynDrvIsIteratorEnd, 4, (const int32_t *iterator))
 RYN_ENTRY(ResultCode, RynDrvEnumDeviceType, 12, (DeviceHandle parent, int32_t *iterator, int32_t *deviceType))
@@ -146,7 +146,7 @@ RYN_ENTRY(ResultCode, RynDrvSetAttributeValueSz, 12, (DeviceHandle handle, int32
  * this platform their handles are file descriptors, closed by
  * RynDrvCloseEvent (or OsaDeviceClose), and a driver in the same process may
  * signal one by writing to it. A failed creation stores 0 and returns 0. */
-RYN_ENTRY(ResultCode, RynDrvCreateEvent, 4, (OsaHandle * event))
+RYN_ENTRY(ResultCode, RynDrvCreateEvent, 4, (OsaHandle *event))
 RYN_ENTRY(ResultCode, RynDrvSignalEvent, 4, (OsaHandle event))
 RYN_ENTRY(ResultCode, RynDrvCloseEvent, 4, (OsaHandle event))
 /* 0 when signalled, 3 on time-out (0xFFFFFFFF waits without limit). */
@@ -184,7 +184,7 @@ RYN_ENTRY(ResultCode, RynDrvWriteReg16, 12, (DeviceHandle handle, uint32_t regis
 RYN_ENTRY(ResultCode, RynDrvWriteReg32, 12, (DeviceHandle handle, uint32_t registerOffset, uint32_t value))
 /* 100-ns intervals since 1601-01-01 (subtract 116444736000000000 and divide
  * by 10000000 for seconds since 1970). */
-RYN_ENTRY(ResultCode, RynDrvGetCurrentTime, 4, (uint64_t * time))
+RYN_ENTRY(ResultCode, RynDrvGetCurrentTime, 4, (uint64_t *time))
 RYN_ENTRY(ResultCode, RynStartWatchdogTimer, 4, (uint32_t unused))
 RYN_ENTRY(ResultCode, RynDrvDbgDump, 8, (uint32_t param1, uint32_t param2))
 /* The driver writes the text into text (textLength bytes). */
