@@ -79,7 +79,6 @@ int FakeDriver::answer(const RynDriverRequest &request, uint32_t *returned) {
             reply = resultReply(*defaultResult_);
         }
     }
-    if (reply.action) reply.action(request);
     auto *out = static_cast<uint8_t *>(request.output);
     for (const auto &[offset, value] : reply.words) {
         const uint32_t at = offset == 0xFFFFFFFFu ? request.outputLength - 4 : offset;

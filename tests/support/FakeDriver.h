@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstring>
 #include <deque>
-#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -36,7 +35,6 @@ struct ScriptedReply {
     std::optional<uint32_t> returned;                              // default: the whole reply
     std::vector<std::pair<uint32_t, uint32_t>> words;              // 32-bit values at reply offsets
     std::vector<std::pair<uint32_t, std::vector<uint8_t>>> bytes;  // byte runs at reply offsets
-    std::function<void(const RynDriverRequest &)> action;          // runs before the reply is written
 
     ScriptedReply &word(uint32_t offset, uint32_t value) {
         words.emplace_back(offset, value);
