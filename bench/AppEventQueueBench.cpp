@@ -8,32 +8,12 @@
 #include <thread>
 
 #include "RynHwDll.h"
-#include "osa/Device.h"
+#include "NullDriver.h"
 
 namespace {
 
-void *nullOpen(const char *) {
-    static int instance;
-    return &instance;
-}
-int nullControl(void *, const RynDriverRequest *request, uint32_t *returned) {
-    *returned = request->outputLength;
-    return 1;
-}
-void nullClose(void *) {}
-const RynUserDriver kQueueDriver{RYN_USER_DRIVER_ABI, nullOpen, nullControl, nullClose};
-
-// The queues need a connection; this one goes to an in-process null driver.
-void connectOnce() {
-    static const bool connected = [] {
-        ryn::osa::registerDevice("RYNNET", &kQueueDriver);
-        return RynNetConnectLib_0() == 0 || RynDrvConnectLib_0() == 0;
-    }();
-    (void)connected;
-}
-
 void BM_AppQueueProducerConsumer(benchmark::State &state) {
-    connectOnce();
+    ryn::bench::connectToNullDriver();  // the queues live from connect to release
     OsaHandle event = 0;
     RynDrvCreateEvent_4(&event);
     int32_t queue = -1;

@@ -6,30 +6,11 @@
 
 #include "RynHwDll.h"
 #include "core/Transport.h"
-#include "osa/Device.h"
+#include "NullDriver.h"
 
 namespace {
 
-// Answers every request with a zero result in the last field of the reply.
-void *nullOpen(const char *) {
-    static int instance;
-    return &instance;
-}
-int nullControl(void *, const RynDriverRequest *request, uint32_t *returned) {
-    std::memset(static_cast<uint8_t *>(request->output) + request->outputLength - 4, 0, 4);
-    *returned = request->outputLength;
-    return 1;
-}
-void nullClose(void *) {}
-const RynUserDriver kNullDriver{RYN_USER_DRIVER_ABI, nullOpen, nullControl, nullClose};
-
-struct Connected {
-    Connected() {
-        ryn::osa::registerDevice("RYNDRV", &kNullDriver);
-        RynDrvConnectLib_0();
-    }
-};
-void connectOnce() { static Connected connected; }
+using ryn::bench::kNullDriver;
 
 void BM_NullDriverAlone(benchmark::State &state) {
     uint8_t request[20] = {};
@@ -48,7 +29,7 @@ void BM_NullDriverAlone(benchmark::State &state) {
 }
 
 void BM_LibraryRoundTrip(benchmark::State &state) {
-    connectOnce();
+    ryn::bench::connectToNullDriver();
     for (auto _ : state) {
         ryn::Request<20, 12> request(0x811);
         benchmark::DoNotOptimize(request.put<16>(0x10000001).send());
