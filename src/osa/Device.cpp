@@ -41,7 +41,12 @@ public:
     static constexpr Kind kKind = Kind::Device;
 
     Device(std::string key, const RynUserDriver *driver, void *instance, void *module)
-        : HandleObject(kKind), key_(std::move(key)), driver_(driver), instance_(instance), module_(module) {}
+        : HandleObject(kKind),
+          control_(driver->control),
+          instance_(instance),
+          key_(std::move(key)),
+          driver_(driver),
+          module_(module) {}
 
     ~Device() override {
         driver_->close(instance_);
@@ -51,13 +56,15 @@ public:
     const std::string &key() const { return key_; }
 
     int control(const RynDriverRequest &request, uint32_t *returned) const {
-        return driver_->control(instance_, &request, returned);
+        return control_(instance_, &request, returned);
     }
 
 private:
+    // The request path's fields first, copied out of the driver's table.
+    int (*control_)(void *, const RynDriverRequest *, uint32_t *);
+    void *instance_;
     std::string key_;
     const RynUserDriver *driver_;
-    void *instance_;
     void *module_;
 };
 
