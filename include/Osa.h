@@ -125,12 +125,19 @@ RYN_ENTRY(char *, OsaConsoleGetStr, 4, (char *buffer))
 RYN_ENTRY(int32_t, OsaConsoleGetCh, 0, (void))
 RYN_ENTRY_DECORATED(int32_t, OsaConsolePutStr, 4, (const char *s))
 RYN_ENTRY(int32_t, OsaConsolePrintF, 8, (const char *format, va_list arguments))
+/* There is no portable speaker: rings the terminal bell when standard output
+ * is a terminal, waits for the duration and returns nonzero. */
 RYN_ENTRY(int32_t, OsaBeep, 8, (uint32_t frequency, uint32_t milliseconds))
 
 /* ---- Threads, mutexes, time --------------------------------------------- */
 
 typedef uint32_t (*OsaThreadRoutine)(void *context);
 
+/* Starts a detached thread with the default stack size running routine
+ * (OsaThreadStart: with a null context). The thread asks for the highest
+ * normal priority (a nice value two below the process's); a process without
+ * the privilege to raise it still gets its thread at normal priority. The
+ * result is nonzero when the thread was created, 0 otherwise. */
 RYN_ENTRY(int32_t, OsaThreadStart, 4, (OsaThreadRoutine routine))
 RYN_ENTRY(int32_t, OsaThreadStartEx, 8, (OsaThreadRoutine routine, void *context))
 RYN_ENTRY(void, OsaThreadSleep, 4, (uint32_t milliseconds))

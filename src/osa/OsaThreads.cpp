@@ -1,6 +1,8 @@
 // Threads, mutexes, sleep and local time of the Osa layer.
 #include <pthread.h>
-#include <sched.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <ctime>
@@ -18,17 +20,26 @@ struct ThreadStart {
     void *context;
 };
 
+// The highest normal priority is two steps above normal: a nice value two
+// below the process's. Raising it needs privileges; without them the thread
+// keeps the normal priority and runs all the same.
+void raisePriority() {
+    const id_t thread = static_cast<id_t>(syscall(SYS_gettid));
+    errno = 0;
+    const int nice = getpriority(PRIO_PROCESS, thread);
+    if (errno == 0) setpriority(PRIO_PROCESS, thread, nice - 2);
+}
+
 void *runThread(void *argument) {
     const ThreadStart start = *static_cast<ThreadStart *>(argument);
     delete static_cast<ThreadStart *>(argument);
+    raisePriority();
     start.routine(start.context);
     return nullptr;
 }
 
-// Creates a detached thread with the default stack size and asks for the
-// highest normal priority: the top of the ordinary scheduling class's nice
-// range that this process may take (raising it needs privileges, lowering
-// is never attempted). The thread runs whether or not the request succeeds.
+// Creates a detached thread with the default stack size; the thread asks for
+// the highest normal priority itself before it runs the routine.
 int32_t startThread(OsaThreadRoutine routine, void *context) {
     if (routine == nullptr) return 0;
     auto *start = new (std::nothrow) ThreadStart{routine, context};
@@ -45,12 +56,6 @@ int32_t startThread(OsaThreadRoutine routine, void *context) {
     if (created != 0) {
         delete start;
         return 0;
-    }
-    sched_param parameters{};
-    int policy = SCHED_OTHER;
-    if (pthread_getschedparam(thread, &policy, &parameters) == 0 && policy == SCHED_OTHER) {
-        parameters.sched_priority = sched_get_priority_max(SCHED_OTHER);
-        pthread_setschedparam(thread, SCHED_OTHER, &parameters);  // EPERM leaves the default
     }
     return 1;
 }
