@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <thread>
-
 #include "RynHwDll.h"
 #include "core/Transport.h"
 #include "support/FakeDriver.h"
@@ -164,34 +161,6 @@ TEST(Transport, RequestBlocksAndAddressReferences) {
         EXPECT_EQ(sent.word(24), 2u);
     }
     EXPECT_EQ(sent.word(28), 0u);
-}
-
-TEST(Transport, ConcurrentRequestsAllArrive) {
-    FakeDriver driver;
-    ConnectionGuard guard;
-    ASSERT_EQ(RynDrvConnectLib(), 0u);
-    driver.clear();
-    driver.setDefaultResult(0);
-
-    constexpr int kThreads = 4, kEach = 200;
-    std::atomic<int> failures{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t) {
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < kEach; ++i) {
-                ryn::Request<24, 16> request(0x822);
-                request.put<16>(static_cast<uint32_t>(t)).put<20>(static_cast<uint32_t>(i));
-                if (request.send() != 0) ++failures;
-            }
-        });
-    }
-    for (auto &thread : threads) thread.join();
-    EXPECT_EQ(failures.load(), 0);
-    const auto requests = driver.requests();
-    ASSERT_EQ(requests.size(), static_cast<size_t>(kThreads * kEach));
-    std::vector<int> perThread(kThreads);
-    for (const auto &request : requests) perThread.at(request.word(16))++;
-    for (int count : perThread) EXPECT_EQ(count, kEach);
 }
 
 }  // namespace

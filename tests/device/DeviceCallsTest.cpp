@@ -50,16 +50,14 @@ TEST_F(DeviceCalls, AcceptedKindsReachTheDriver) {
     EXPECT_EQ(RynDrvReset_4(0xF0000001), 0u);  // reset only refuses 0
     const auto requests = driver.requests();
     ASSERT_EQ(requests.size(), 5u);
-    EXPECT_EQ(requests[0].code, 0x222050u);
-    EXPECT_EQ(requests[0].input.size(), 32u);
+    const uint32_t codes[] = {0x222050, 0x22204C, 0x222080, 0x222030, 0x222038};
+    const size_t lengths[] = {32, 32, 24, 28, 20};
+    for (size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(requests[i].code, codes[i]);
+        EXPECT_EQ(requests[i].input.size(), lengths[i]);
+    }
     EXPECT_EQ(requests[0].word(16), kPipe);
     EXPECT_EQ(requests[0].word(28), 2u);
-    EXPECT_EQ(requests[1].code, 0x22204Cu);
-    EXPECT_EQ(requests[2].code, 0x222080u);
-    EXPECT_EQ(requests[3].code, 0x222030u);
-    EXPECT_EQ(requests[3].input.size(), 28u);
-    EXPECT_EQ(requests[4].code, 0x222038u);
-    EXPECT_EQ(requests[4].input.size(), 20u);
 }
 
 TEST_F(DeviceCalls, OpenPhysicalDeviceSwapsFourthAndFifth) {
