@@ -49,11 +49,8 @@ TEST_F(LoadStep, NoDriverOrNoAnswerGivesLevelZero) {
     EXPECT_EQ(ryn::driverVersionLevel(), 0u);
 
     FakeDriver driver;
-    ScriptedReply silent;
-    silent.ok = 0;
-    silent.returned = 0;
     driver.script(ScriptedReply{});
-    driver.script(silent);
+    driver.script(ryn::test::failedCall(0));
     ryn::runLoadStep();
     EXPECT_EQ(ryn::driverVersionLevel(), 0u);
     EXPECT_FALSE(driver.isOpen());

@@ -80,10 +80,7 @@ TEST_F(DriverAttributes, ReadBlocksAndCallerBufferRoundTrip) {
     EXPECT_EQ(sent.word(24), 100u);
 
     // The transport stores its code at offset 8; the buffer keeps its content.
-    ScriptedReply silent;
-    silent.ok = 0;
-    silent.returned = 0;
-    driver.script(silent);
+    driver.script(ryn::test::failedCall(0));
     returned = 5;
     EXPECT_EQ(RynDrvGetAttributeValue_20(0x10000001, 7, buffer, 100, &returned), 0xC300AD0Du);
     EXPECT_EQ(buffer[0], 0xAB);

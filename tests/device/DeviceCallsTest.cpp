@@ -96,13 +96,9 @@ TEST_F(DeviceCalls, GetDeviceHandleHeaderAndTransportCodes) {
     EXPECT_EQ(RynDrvGetDeviceHandle_16(kPhysical, -3, 77, &handle), 0xB5000107u);
     EXPECT_EQ(handle, 0xFFFFFFFFu);
 
-    ScriptedReply failed;
-    failed.ok = 0;
-    failed.returned = 12;
-    driver.script(failed);
+    driver.script(ryn::test::failedCall(12));
     EXPECT_EQ(RynDrvGetDeviceHandle_16(kPhysical, -3, 77, nullptr), 0xC300B90Du);
-    failed.returned = 0;
-    driver.script(failed);
+    driver.script(ryn::test::failedCall(0));
     EXPECT_EQ(RynDrvGetDeviceHandle_16(kPhysical, -3, 77, &handle), 0xC300BC0Du);
     EXPECT_EQ(driver.requestCount(), 4u);
 }

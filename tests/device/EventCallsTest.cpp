@@ -53,10 +53,7 @@ TEST_F(DriverEventCalls, EventTextSwappedArgumentsAndBoundedCopy) {
     EXPECT_EQ(RynDrvEventCode2String_16(0x10000001, 1, 2, text), 0u);
     EXPECT_EQ(std::strlen(text), 255u);
 
-    ScriptedReply failed;
-    failed.ok = 0;
-    failed.returned = 0;
-    driver.script(failed);
+    driver.script(ryn::test::failedCall(0));
     EXPECT_EQ(RynDrvEventCode2String_16(0x10000001, 1, 2, text), 0xC300AD0Du);
     EXPECT_EQ(text[0], '\0');
 }

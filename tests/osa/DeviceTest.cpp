@@ -61,10 +61,7 @@ TEST(OsaDevice, IoControlReportsReturnedBytes) {
     EXPECT_NE(OsaDeviceIoControl(handle, 0x222044, in, sizeof in, out, sizeof out, &returned), 0);
     EXPECT_EQ(returned, 12u);
 
-    ryn::test::ScriptedReply failed;
-    failed.ok = 0;
-    failed.returned = 0;
-    driver.script(failed);
+    driver.script(ryn::test::failedCall(0));
     EXPECT_EQ(OsaDeviceIoControl(handle, 0x222044, in, sizeof in, out, sizeof out, &returned), 0);
     EXPECT_EQ(returned, 0u);
 

@@ -45,6 +45,14 @@ struct ScriptedReply {
 // A reply with `result` as the last 32-bit field of the reply.
 ScriptedReply resultReply(ResultCode result);
 
+// A failed I/O control call that reports `returned` bytes.
+inline ScriptedReply failedCall(uint32_t returned) {
+    ScriptedReply reply;
+    reply.ok = 0;
+    reply.returned = returned;
+    return reply;
+}
+
 class FakeDriver {
 public:
     explicit FakeDriver(const char *deviceName = "RYNDRV");
