@@ -96,16 +96,24 @@ RYN_ENTRY(char *, OsaStdStrUpr, 4, (char *s))
 /* Decimal value of the digits at the very start of s: no blanks, no sign,
  * wraps modulo 2^32. */
 RYN_ENTRY(int32_t, OsaStrToI, 4, (const char *s))
+/* Overwrites the first n characters of s with c, stopping early at the
+ * terminator, which stays. Returns s. */
 RYN_ENTRY(char *, OsaStrnSet, 12, (char *s, char c, uint32_t n))
+/* Last position of c in s; for c == '\0' the position of the terminator;
+ * NULL when c does not occur. */
 RYN_ENTRY_DECORATED(char *, OsaStrRChr, 8, (const char *s, char c))
 
 /* ---- Files (the C runtime's buffered streams) --------------------------- */
 
+/* fopen with the runtime's mode letters ("rb", ...); NULL when the file
+ * cannot be opened. Other openers of the file are not locked out. */
 RYN_ENTRY_DECORATED(FILE *, OsaFileOpen, 8, (const char *name, const char *mode))
+/* 0, or -1 on failure (also for a NULL file). */
 RYN_ENTRY_DECORATED(int32_t, OsaFileClose, 4, (FILE *file))
+/* Number of whole items read: fewer at the end of the file or on an error. */
 RYN_ENTRY_DECORATED(uint32_t, OsaFileRead, 16, (void *buffer, uint32_t size, uint32_t count, FILE *file))
 /* origin: 0 start, 1 current position, 2 end; any other origin returns -1
- * and leaves the file alone. */
+ * and leaves the file alone. 0 on success, nonzero on failure. */
 RYN_ENTRY_DECORATED(int32_t, OsaFileSeek, 12, (FILE *file, int32_t offset, int32_t origin))
 
 /* ---- Console ------------------------------------------------------------ */
@@ -113,17 +121,31 @@ RYN_ENTRY_DECORATED(int32_t, OsaFileSeek, 12, (FILE *file, int32_t offset, int32
 RYN_ENTRY(void, OsaConsoleInit, 0, (void))
 RYN_ENTRY(void, OsaConsoleExit, 0, (void))
 /* Sets the script: '^'-separated lines that answer the next console reads
- * instead of standard input. The string is not copied: keep it alive and
- * unchanged while it is in use. An empty string turns the script off. */
+ * instead of standard input ("a^^b": a, an empty line, b; a trailing '^'
+ * goes with the last line). Once the script is used up, reads come from
+ * standard input again. The string is not copied: keep it alive and
+ * unchanged while it is in use. An empty string (or NULL) turns the script
+ * off. One process-wide script, not guarded: one user at a time. */
 RYN_ENTRY(void, OsaConsoleInput, 4, (const char *script))
-/* Reads one line without its newline into buffer. The interface has no
- * buffer size: the buffer must hold the longest line (or script segment)
- * that can come. NULL when standard input ends before any character. */
+/* Reads one line without its newline into buffer: the next script segment
+ * up to '^' (which is stepped over) while a script is set, else a line of
+ * standard input. NULL when standard input ends before any character or
+ * fails.
+ * Hazard: the interface has no buffer size and nothing bounds the copy. The
+ * buffer must hold the longest line (or script segment) that can come, plus
+ * the terminator; longer input writes past it. */
 RYN_ENTRY(char *, OsaConsoleGetStr, 4, (char *buffer))
-/* One character; from a terminal, one key without echo and without waiting
- * for a newline. -1 at the end of the input. */
+/* One character as a signed 8-bit value widened to 32 bits. While a script
+ * is set, its next character ('^' included); otherwise from standard input:
+ * on a terminal one key without echo and without waiting for a newline (the
+ * terminal's settings are restored before the call returns), else one
+ * character. -1 at the end of the input. */
 RYN_ENTRY(int32_t, OsaConsoleGetCh, 0, (void))
+/* Writes s and a newline to standard output: 0, or -1 on a write error. */
 RYN_ENTRY_DECORATED(int32_t, OsaConsolePutStr, 4, (const char *s))
+/* vprintf to standard output: characters written, negative on an error.
+ * Both entry points take a va_list the caller has prepared (va_start), not
+ * the arguments themselves. */
 RYN_ENTRY(int32_t, OsaConsolePrintF, 8, (const char *format, va_list arguments))
 /* There is no portable speaker: rings the terminal bell when standard output
  * is a terminal, waits for the duration and returns nonzero. */
@@ -140,9 +162,13 @@ typedef uint32_t (*OsaThreadRoutine)(void *context);
  * result is nonzero when the thread was created, 0 otherwise. */
 RYN_ENTRY(int32_t, OsaThreadStart, 4, (OsaThreadRoutine routine))
 RYN_ENTRY(int32_t, OsaThreadStartEx, 8, (OsaThreadRoutine routine, void *context))
+/* Suspends the calling thread for the given milliseconds. */
 RYN_ENTRY(void, OsaThreadSleep, 4, (uint32_t milliseconds))
 
-/* Storage of a re-entrant mutex, provided by the caller. */
+/* Storage of a re-entrant mutex (a recursive pthread mutex), provided by the
+ * caller; the layer never allocates. Initialise it with OsaMutexInit before
+ * the first lock and destroy it with OsaMutexDestroy once unused. The owning
+ * thread may lock it again; each lock needs its unlock. */
 typedef struct OsaMutex {
     union {
         uint64_t align;
@@ -154,8 +180,10 @@ RYN_ENTRY(void, OsaMutexInit, 4, (OsaMutex *mutex))
 RYN_ENTRY(void, OsaMutexLock, 4, (OsaMutex *mutex))
 RYN_ENTRY(void, OsaMutexUnlock, 4, (OsaMutex *mutex))
 RYN_ENTRY(void, OsaMutexDestroy, 4, (OsaMutex *mutex))
-/* Local time of a calendar time; NULL for a negative time. The result is
- * overwritten by the next call on the same thread. */
+/* Local time (the process's time zone) of a calendar time in seconds since
+ * 1970-01-01 00:00 UTC; NULL for a negative time or a NULL pointer. The
+ * result lives in a per-thread buffer that the next call on the same thread
+ * overwrites. */
 RYN_ENTRY(struct tm *, OsaStdLocalTime, 4, (const int32_t *time))
 
 #ifdef __cplusplus

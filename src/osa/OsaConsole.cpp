@@ -2,6 +2,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -30,7 +31,10 @@ int32_t readKey() {
     raw.c_cc[VTIME] = 0;
     tcsetattr(STDIN_FILENO, TCSANOW, &raw);
     unsigned char key = 0;
-    const ssize_t got = read(STDIN_FILENO, &key, 1);
+    ssize_t got;
+    do {
+        got = read(STDIN_FILENO, &key, 1);
+    } while (got < 0 && errno == EINTR);
     tcsetattr(STDIN_FILENO, TCSANOW, &saved);
     return got == 1 ? static_cast<int32_t>(static_cast<signed char>(key)) : -1;
 }
@@ -64,12 +68,13 @@ void RYN_DECORATED(OsaConsoleInput, 4)(const char *script) { scriptCursor = scri
 
 char *RYN_DECORATED(OsaConsoleGetStr, 4)(char *buffer) {
     if (!scriptOn()) {
-        // The line read of the runtime: up to the newline, which is dropped.
+        // The line read of the runtime: up to the newline, which is dropped;
+        // null at the end of the input before any character or on a read error.
         std::fflush(stdout);
         size_t length = 0;
         int c;
         while ((c = std::getchar()) != EOF && c != '\n') buffer[length++] = static_cast<char>(c);
-        if (c == EOF && length == 0) return nullptr;
+        if (c == EOF && (length == 0 || std::ferror(stdin) != 0)) return nullptr;
         buffer[length] = '\0';
         return buffer;
     }

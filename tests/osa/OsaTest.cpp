@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <stdio_ext.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -120,6 +121,7 @@ protected:
     }
     void TearDown() override {
         OsaConsoleInput("");
+        __fpurge(stdin);  // nothing of this test's input stays buffered
         if (saved_ >= 0) {
             dup2(saved_, STDIN_FILENO);
             close(saved_);
@@ -159,12 +161,41 @@ uint32_t countUp(void *context) {
     return 0;
 }
 
+std::atomic<int> nullContexts{0};
+
+uint32_t countNullContext(void *context) {
+    if (context == nullptr) nullContexts.fetch_add(1);
+    return 0;
+}
+
+int32_t printThroughBothForms(const char *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    int32_t written = OsaConsolePrintF(format, arguments);  // the plain form takes the list too
+    va_end(arguments);
+    va_start(arguments, format);
+    written += OsaConsolePrintF_8(format, arguments);
+    va_end(arguments);
+    return written;
+}
+
+TEST(OsaConsole, PrintFTakesAPreparedList) {
+    ::testing::internal::CaptureStdout();
+    const int32_t written = printThroughBothForms("%d-%s|", 42, "x");
+    EXPECT_EQ(OsaConsolePutStr("line"), 0);
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "42-x|42-x|line\n");
+    EXPECT_EQ(written, 10);
+}
+
 TEST(OsaThreads, StartWithContextAndReentrantMutex) {
     std::atomic<int> counter{0};
     EXPECT_NE(OsaThreadStartEx(countUp, &counter), 0);
     EXPECT_EQ(OsaThreadStartEx(nullptr, &counter), 0);
     for (int i = 0; i < 500 && counter.load() == 0; ++i) OsaThreadSleep(2);
     EXPECT_EQ(counter.load(), 1);
+    EXPECT_NE(OsaThreadStart(countNullContext), 0);
+    for (int i = 0; i < 500 && nullContexts.load() == 0; ++i) OsaThreadSleep(2);
+    EXPECT_EQ(nullContexts.load(), 1);
 
     OsaMutex mutex;
     OsaMutexInit(&mutex);
