@@ -11,6 +11,17 @@
  * the connection is closed. `control` runs on the caller's thread; several
  * threads may be inside it at once.
  *
+ * Calling back into the library. The library holds none of its locks while
+ * module code runs (loading the module, `open`, `control`, `close`), so a
+ * module may call any exported function from them: open another device
+ * underneath with OsaDeviceOpen (a layered "RYNNET" over "RYNDRV"), create,
+ * signal and close event objects, start threads. Two things it must not do:
+ * close the connection it is being called for from its own `open` or
+ * `control` (the library closes it, and calls `close` once), and open the
+ * device name it is itself opening (a device is opened exclusively, so that
+ * open fails). A module's `open` may also run while the library itself is
+ * loading, when the library reads the driver's version.
+ *
  * Address fields. Some requests carry the address of a caller buffer in a
  * 32-bit field (data sent by address, JTAG scans, event records, DSP images).
  * In a 32-bit process the field holds the address itself; in a 64-bit process

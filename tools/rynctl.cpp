@@ -16,11 +16,19 @@ void printResult(const char *what, ResultCode code) {
                 RynFailure(code) ? "failure" : "success", source, line, error & 0xFFu);
 }
 
+// Attribute reads go through the decorated entry point, which asks for the
+// identifier as given: the undecorated one renumbers identifiers for older
+// drivers, which would miss the library's own attributes and the driver's
+// version text.
+ResultCode readText(DeviceHandle handle, int32_t attribute, char *text, uint32_t size) {
+    return RynDrvGetAttributeValueSz_16(handle, attribute, text, size);
+}
+
 int info() {
     char version[16] = {};
-    RynDrvGetAttributeValueSz(RYN_LIBRARY_PSEUDO_HANDLE, 9, version, sizeof version);
+    readText(RYN_LIBRARY_PSEUDO_HANDLE, 9, version, sizeof version);
     char module[16] = {};
-    RynDrvGetAttributeValueSz(RYN_LIBRARY_PSEUDO_HANDLE, 11, module, sizeof module);
+    readText(RYN_LIBRARY_PSEUDO_HANDLE, 11, module, sizeof module);
     std::printf("%-22s %s %s\n", "library", module, version);
     const ResultCode connected = RynDrvConnectLib();
     OsaHandle handle = INVALID_HANDLE_VALUE;
@@ -32,8 +40,7 @@ int info() {
     std::printf("%-22s opened (handle %u)\n", "driver device", handle);
     printResult("version announcement", connected);
     char driverVersion[80] = {};
-    const ResultCode read =
-        RynDrvGetAttributeValueSz(RYN_DRIVER_PSEUDO_HANDLE, 13, driverVersion, sizeof driverVersion);
+    const ResultCode read = readText(RYN_DRIVER_PSEUDO_HANDLE, 13, driverVersion, sizeof driverVersion);
     if (RynSuccess(read)) {
         std::printf("%-22s %.79s\n", "driver version", driverVersion);
     } else {

@@ -1,25 +1,16 @@
 // The translations of identifiers and result codes for older drivers.
 #include "core/Compat.h"
 
-#include <atomic>
-
 #include "core/ResultCode.h"
 
 namespace ryn {
 namespace {
-
-// Written once by the load-time step, before any API call; read afterwards.
-constinit std::atomic<uint32_t> versionLevel{0};
 
 constexpr int32_t kNoCounterpart = static_cast<int32_t>(0x80000000u);
 
 bool within(uint32_t level, uint32_t low, uint32_t high) { return level >= low && level <= high; }
 
 }  // namespace
-
-uint32_t driverVersionLevel() { return versionLevel.load(std::memory_order_relaxed); }
-
-void setDriverVersionLevel(uint32_t level) { versionLevel.store(level, std::memory_order_relaxed); }
 
 ResultCode compatResultCode(ResultCode code) {
     return within(driverVersionLevel(), 10120, 10139) ? reduceToErrorNumber(code) : code;
@@ -28,8 +19,11 @@ ResultCode compatResultCode(ResultCode code) {
 int32_t compatAttributeId(int32_t id) {
     const uint32_t level = driverVersionLevel();
     if (level == 0 || level >= 10147) return id;
-    if (level >= 10139) return id > 5 ? id + 1 : id;
-    if (level >= 10120) return id > 5 ? id + 3 : id;
+    // Shifted as 32-bit values, so that the highest identifiers wrap around
+    // as they do in the driver's own arithmetic.
+    const auto shifted = [id](uint32_t by) { return static_cast<int32_t>(static_cast<uint32_t>(id) + by); };
+    if (level >= 10139) return id > 5 ? shifted(1) : id;
+    if (level >= 10120) return id > 5 ? shifted(3) : id;
     return kNoCounterpart;
 }
 

@@ -1,5 +1,13 @@
 // The load-time step: find the driver's version once, when the library is
 // loaded into a process.
+//
+// The driver version level lives in this file together with the constructor
+// that computes it. Every reader of the level (the undecorated entry points'
+// translations) references this object, so a program linked against the
+// static library pulls in the constructor as well, and the step runs however
+// the library is linked.
+#include <algorithm>
+#include <atomic>
 #include <cstring>
 
 #include "RynHwDll.h"
@@ -11,7 +19,14 @@ namespace {
 constexpr size_t kVersionBufferSize = 80;
 constexpr uint32_t kDriverVersionAttribute = 13;
 
+// Written once by the load-time step, before any API call; read afterwards.
+constinit std::atomic<uint32_t> versionLevel{0};
+
 }  // namespace
+
+uint32_t driverVersionLevel() { return versionLevel.load(std::memory_order_relaxed); }
+
+void setDriverVersionLevel(uint32_t level) { versionLevel.store(level, std::memory_order_relaxed); }
 
 uint32_t parseDriverVersion(std::string_view version) {
     // Copied so that every component the scan reads is terminated.

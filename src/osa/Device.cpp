@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <mutex>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -40,20 +42,31 @@ class Device final : public HandleObject {
 public:
     static constexpr Kind kKind = Kind::Device;
 
-    Device(std::string key, const RynUserDriver *driver, void *instance, void *module)
-        : HandleObject(kKind),
-          control_(driver->control),
-          instance_(instance),
-          key_(std::move(key)),
-          driver_(driver),
-          module_(module) {}
+    Device(std::string key, const RynUserDriver *driver) : HandleObject(kKind), key_(std::move(key)), driver_(driver) {}
 
+    // Closes the driver's connection and unloads its module, if they were
+    // opened and loaded.
     ~Device() override {
-        driver_->close(instance_);
+        if (instance_ != nullptr) driver_->close(instance_);
         if (module_ != nullptr) dlclose(module_);
     }
 
     const std::string &key() const { return key_; }
+    std::string takeKey() { return std::move(key_); }
+    const RynUserDriver *driver() const { return driver_; }
+
+    // The driver that answers, and the loaded module it lives in (or null).
+    void useDriver(void *module, const RynUserDriver *driver) {
+        module_ = module;
+        driver_ = driver;
+    }
+    // Asks the driver for a connection; false when it refuses.
+    bool openInstance(const char *name) {
+        instance_ = driver_->open(name);
+        if (instance_ == nullptr) return false;
+        control_ = driver_->control;
+        return true;
+    }
 
     int control(const RynDriverRequest &request, uint32_t *returned) const {
         return control_(instance_, &request, returned);
@@ -61,11 +74,11 @@ public:
 
 private:
     // The request path's fields first, copied out of the driver's table.
-    int (*control_)(void *, const RynDriverRequest *, uint32_t *);
-    void *instance_;
+    int (*control_)(void *, const RynDriverRequest *, uint32_t *) = nullptr;
+    void *instance_ = nullptr;
     std::string key_;
     const RynUserDriver *driver_;
-    void *module_;
+    void *module_ = nullptr;
 };
 
 struct Registry {
@@ -85,11 +98,17 @@ bool usable(const RynUserDriver *driver) {
 }
 
 // The folder that holds the loaded library file (or the program the library
-// is linked into).
+// is linked into; the system may name a program only as it was started, so
+// its path is taken from the process itself).
 std::string libraryFolder() {
     Dl_info info{};
     if (dladdr(reinterpret_cast<void *>(&libraryFolder), &info) == 0 || info.dli_fname == nullptr) return {};
     std::string path = info.dli_fname;
+    if (path.find('/') == std::string::npos) {
+        char self[4096];
+        const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
+        if (length > 0) path.assign(self, static_cast<size_t>(length));
+    }
     const size_t slash = path.rfind('/');
     return slash == std::string::npos ? std::string(".") : path.substr(0, slash);
 }
@@ -100,11 +119,9 @@ bool validModuleName(std::string_view name) {
     });
 }
 
-// Loads ryn-drivers/<name>.so; on success `module` holds the dlopen handle.
-const RynUserDriver *loadModule(std::string_view name, void *&module) {
+// Loads the module at `path`; on success `module` holds the dlopen handle.
+const RynUserDriver *loadModule(const std::string &path, void *&module) {
     module = nullptr;
-    if (!validModuleName(name)) return nullptr;
-    const std::string path = libraryFolder() + "/ryn-drivers/" + lowerCase(name) + ".so";
     void *handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (handle == nullptr) return nullptr;
     auto entry = reinterpret_cast<const RynUserDriver *(*)()>(dlsym(handle, "RynUserDriverEntry"));
@@ -117,36 +134,63 @@ const RynUserDriver *loadModule(std::string_view name, void *&module) {
     return driver;
 }
 
-OsaHandle openDevice(const char *path) {
-    if (std::strncmp(path, kPathPrefix, 4) != 0 || path[4] == '\0') return INVALID_HANDLE_VALUE;
-    const std::string_view name(path + 4);
-    std::string key = upperCase(name);
-
-    Registry &reg = registry();
+// Claims `key` for one opening connection; false when it is open already.
+bool reserve(Registry &reg, const std::string &key, const RynUserDriver *&inProcess) {
     std::lock_guard lock(reg.mutex);
-    if (std::find(reg.open.begin(), reg.open.end(), key) != reg.open.end()) return INVALID_HANDLE_VALUE;
-
-    const RynUserDriver *driver = nullptr;
-    void *module = nullptr;
+    if (std::find(reg.open.begin(), reg.open.end(), key) != reg.open.end()) return false;
+    inProcess = nullptr;
     for (const auto &[registered, candidate] : reg.inProcess) {
-        if (registered == key) driver = candidate;
+        if (registered == key) inProcess = candidate;
     }
-    if (driver == nullptr) driver = loadModule(name, module);
-    if (driver == nullptr) return INVALID_HANDLE_VALUE;
+    reg.open.push_back(key);
+    return true;
+}
 
-    void *instance = driver->open(std::string(name).c_str());
-    if (instance == nullptr) {
-        if (module != nullptr) dlclose(module);
+void release(Registry &reg, const std::string &key) {
+    std::lock_guard lock(reg.mutex);
+    const auto at = std::find(reg.open.begin(), reg.open.end(), key);
+    if (at != reg.open.end()) reg.open.erase(at);
+}
+
+// Opens a device connection. Everything that allocates happens first, and
+// no lock of this layer is held while module code runs (dlopen, the
+// module's open and close), so that a module may call back into the
+// library, open another device underneath or close an event of its own.
+OsaHandle openDevice(std::string_view name) {
+    std::unique_ptr<Device> device;
+    std::string key;
+    std::string modulePath;
+    std::string openName;
+    Registry &reg = registry();
+    try {
+        key = upperCase(name);
+        device = std::make_unique<Device>(key, nullptr);
+        if (validModuleName(name)) modulePath = libraryFolder() + "/ryn-drivers/" + lowerCase(name) + ".so";
+        openName = std::string(name);
+        const RynUserDriver *inProcess = nullptr;
+        if (!reserve(reg, key, inProcess)) return INVALID_HANDLE_VALUE;
+        device->useDriver(nullptr, inProcess);
+    } catch (const std::bad_alloc &) {
         return INVALID_HANDLE_VALUE;
     }
-    auto *device = new Device(key, driver, instance, module);
-    const OsaHandle handle = publishHandle(eventfd(0, EFD_CLOEXEC), device);
-    if (handle == INVALID_HANDLE_VALUE) {
-        delete device;
-        return INVALID_HANDLE_VALUE;
+
+    // The name is reserved from here on; nothing below allocates with new.
+    if (device->driver() == nullptr && !modulePath.empty()) {
+        void *module = nullptr;
+        const RynUserDriver *driver = loadModule(modulePath, module);
+        device->useDriver(module, driver);
     }
-    reg.open.push_back(std::move(key));
-    return handle;
+    OsaHandle handle = INVALID_HANDLE_VALUE;
+    if (device->driver() != nullptr && device->openInstance(openName.c_str())) {
+        handle = publishHandle(eventfd(0, EFD_CLOEXEC), device.get());
+    }
+    if (handle != INVALID_HANDLE_VALUE) {
+        device.release();  // owned by the handle table now
+        return handle;
+    }
+    device.reset();  // the driver's close and dlclose, without the lock
+    release(reg, key);
+    return INVALID_HANDLE_VALUE;
 }
 
 }  // namespace
@@ -191,25 +235,29 @@ OsaHandle RYN_DECORATED(OsaDeviceOpen, 4)(const char *name) {
     if (name == nullptr) return INVALID_HANDLE_VALUE;
     const size_t length = strnlen(name, kPathBufferSize);
     if (length > kPathBufferSize - sizeof kPathPrefix) return INVALID_HANDLE_VALUE;  // 51 characters at most
+    if (length == 0) return INVALID_HANDLE_VALUE;
+    // The system's path of the device, "\\.\" + name; the driver is found by the name.
     char path[kPathBufferSize];
     std::memcpy(path, kPathPrefix, 4);
     std::memcpy(path + 4, name, length + 1);
-    return openDevice(path);
+    return openDevice(std::string_view(path + 4, length));
 }
 
 int32_t RYN_DECORATED(OsaDeviceClose, 4)(OsaHandle handle) {
     using namespace ryn::osa;
-    if (lookupHandle(handle) == nullptr) return 0;
-    Registry &reg = registry();
-    // The registry lock keeps a concurrent open of the same name from
-    // seeing the device half closed.
-    std::lock_guard lock(reg.mutex);
     HandleObject *object = retractHandle(handle);
     if (object == nullptr) return 0;
-    if (object->kind() == Device::kKind) {
-        std::erase(reg.open, static_cast<Device *>(object)->key());
+    if (object->kind() != Device::kKind) {
+        delete object;
+        return 1;
     }
-    delete object;
+    // The name stays claimed until the driver's close has run, so that a
+    // concurrent open of the same name never meets the device half closed;
+    // the close itself runs without any lock of this layer.
+    auto *device = static_cast<Device *>(object);
+    std::string key = device->takeKey();
+    delete device;
+    release(registry(), key);
     return 1;
 }
 

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <chrono>
 #include <mutex>
+#include <new>
 
 #include "osa/Handles.h"
 
@@ -87,7 +88,8 @@ bool validWaitList(uint32_t count, const OsaHandle *events) {
 }  // namespace
 
 OsaHandle createEvent() {
-    auto *event = new Event();
+    auto *event = new (std::nothrow) Event();
+    if (event == nullptr) return 0;
     const OsaHandle handle = publishHandle(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), event);
     if (handle == INVALID_HANDLE_VALUE) {
         delete event;
@@ -103,6 +105,12 @@ bool signalEvent(OsaHandle event) {
     return write(descriptor(event), &one, sizeof one) == sizeof one || errno == EAGAIN;
 }
 
+int pollTimeoutMs(std::chrono::nanoseconds left) {
+    if (left <= std::chrono::nanoseconds::zero()) return 0;
+    const auto ms = std::chrono::ceil<std::chrono::milliseconds>(left).count();
+    return ms > kLongestPollMs ? kLongestPollMs : static_cast<int>(ms);
+}
+
 uint32_t waitForEvents(uint32_t count, const OsaHandle *events, bool waitAll, uint32_t timeoutMs) {
     if (!validWaitList(count, events)) return kWaitFailed;
     using Clock = std::chrono::steady_clock;
@@ -110,13 +118,12 @@ uint32_t waitForEvents(uint32_t count, const OsaHandle *events, bool waitAll, ui
     for (;;) {
         uint32_t index = 0;
         if (tryTake(count, events, waitAll, index)) return kWaitObject0 + index;
-        int remaining = -1;
+        int slice = -1;
         if (timeoutMs != kWaitInfinite) {
-            const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
-            if (left <= 0) return kWaitTimeout;
-            remaining = static_cast<int>(left);
+            slice = pollTimeoutMs(deadline - Clock::now());
+            if (slice == 0) return kWaitTimeout;
         }
-        block(count, events, waitAll, remaining);
+        block(count, events, waitAll, slice);
     }
 }
 

@@ -8,6 +8,7 @@
 // all of several events takes them as one step.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 #include "Osa.h"
@@ -27,6 +28,14 @@ bool signalEvent(OsaHandle event);
 // The index of the signalled event (wait-any: the lowest; wait-all: 0),
 // kWaitTimeout, or kWaitFailed for a count of 0 or above 64, a handle that
 // is not an event, or an event named twice.
+// One poll of a timed wait lasts at most this long; a wait with more time
+// left polls again until its deadline.
+inline constexpr int kLongestPollMs = 1 << 30;
+// The poll time-out for a wait with `left` until its deadline: whole
+// milliseconds rounded up, 0 once the deadline has passed, never more than
+// kLongestPollMs (a negative time-out would wait without limit).
+int pollTimeoutMs(std::chrono::nanoseconds left);
+
 uint32_t waitForEvents(uint32_t count, const OsaHandle *events, bool waitAll, uint32_t timeoutMs);
 
 }  // namespace ryn::osa

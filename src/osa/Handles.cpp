@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <mutex>
+#include <new>
 
 namespace ryn::osa {
 
@@ -27,7 +28,8 @@ Slot *slotOf(uint32_t handle, bool create) {
     Slot *slots = chunk.load(std::memory_order_acquire);
     if (slots == nullptr && create) {
         // Chunks live as long as the process; they are reached from the table.
-        slots = new Slot[kChunkSize]();
+        slots = new (std::nothrow) Slot[kChunkSize]();
+        if (slots == nullptr) return nullptr;
         chunk.store(slots, std::memory_order_release);
     }
     return slots == nullptr ? nullptr : &slots[handle % kChunkSize];

@@ -3,11 +3,62 @@
 #include <string>
 
 #include "Osa.h"
+#include "osa/Device.h"
+#include "support/AllocationFailure.h"
 #include "support/FakeDriver.h"
 
 namespace {
 
 using ryn::test::FakeDriver;
+
+// A driver stack as real ones are built: its open opens the device beneath
+// it and creates an event of its own, its close closes both again, all
+// through the library's exported calls.
+struct LayeredDriver {
+    static inline OsaHandle lower = INVALID_HANDLE_VALUE;
+    static inline OsaHandle event = 0;
+    static void *open(const char *) {
+        lower = OsaDeviceOpen("RYNLOWER");
+        RynDrvCreateEvent_4(&event);
+        return lower == INVALID_HANDLE_VALUE ? nullptr : &lower;
+    }
+    static int control(void *, const RynDriverRequest *, uint32_t *returned) {
+        *returned = 0;
+        return 1;
+    }
+    static void close(void *) {
+        RynDrvCloseEvent_4(event);
+        OsaDeviceClose(lower);
+    }
+    static constexpr RynUserDriver kTable{RYN_USER_DRIVER_ABI, open, control, close};
+};
+
+TEST(OsaDevice, DriversMayCallBackIntoTheLibrary) {
+    FakeDriver lower("RYNLOWER");
+    ASSERT_TRUE(ryn::osa::registerDevice("RYNUPPER", &LayeredDriver::kTable));
+    const OsaHandle upper = OsaDeviceOpen("RynUpper");
+    ASSERT_NE(upper, INVALID_HANDLE_VALUE);
+    EXPECT_TRUE(lower.isOpen());
+    EXPECT_NE(LayeredDriver::event, 0u);
+    EXPECT_NE(OsaDeviceClose(upper), 0);
+    EXPECT_FALSE(lower.isOpen());
+    EXPECT_EQ(RynResultErrorCode(RynDrvSignalEvent_4(LayeredDriver::event)), 13u);  // closed by the driver
+    ryn::osa::unregisterDevice("RYNUPPER");
+}
+
+TEST(OsaDevice, OpenWithoutMemoryFailsCleanly) {
+    FakeDriver driver("RYNTEST");
+    OsaHandle handle = 0;
+    {
+        ryn::test::AllocationFailure noMemory;
+        handle = OsaDeviceOpen("RYNTEST");
+    }
+    EXPECT_EQ(handle, INVALID_HANDLE_VALUE);
+    EXPECT_FALSE(driver.isOpen());
+    handle = OsaDeviceOpen("RYNTEST");  // the name was not left claimed
+    ASSERT_NE(handle, INVALID_HANDLE_VALUE);
+    EXPECT_NE(OsaDeviceClose(handle), 0);
+}
 
 TEST(OsaDevice, NamesUpToFiftyOneCharacters) {
     const std::string longest(51, 'N');

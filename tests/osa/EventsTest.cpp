@@ -7,6 +7,7 @@
 
 #include "RynHwDll.h"
 #include "osa/Events.h"
+#include "support/AllocationFailure.h"
 
 namespace {
 
@@ -55,6 +56,33 @@ TEST(EventObjects, RefusedArgumentsAndClosedEvents) {
     EXPECT_EQ(RynDrvCloseEvent_4(event), 0u);
     EXPECT_EQ(RynDrvCloseEvent_4(event), 0u);  // returns 0 whatever the outcome
     EXPECT_EQ(RynResultErrorCode(RynDrvSignalEvent_4(event)), 13u);
+}
+
+TEST(EventObjects, CreationWithoutMemoryStoresZero) {
+    OsaHandle event = 77;
+    ResultCode result = 1;
+    {
+        ryn::test::AllocationFailure noMemory;
+        result = RynDrvCreateEvent_4(&event);
+    }
+    EXPECT_EQ(result, 0u);
+    EXPECT_EQ(event, 0u);
+}
+
+TEST(EventObjects, LongTimeOutsPollInSlicesUntilTheDeadline) {
+    using namespace std::chrono;
+    using ryn::osa::pollTimeoutMs;
+    EXPECT_EQ(pollTimeoutMs(nanoseconds(-5)), 0);
+    EXPECT_EQ(pollTimeoutMs(nanoseconds(0)), 0);
+    EXPECT_EQ(pollTimeoutMs(microseconds(1500)), 2);
+    EXPECT_EQ(pollTimeoutMs(milliseconds(0x7FFFFFFF)), ryn::osa::kLongestPollMs);
+    EXPECT_EQ(pollTimeoutMs(milliseconds(0xFFFFFFFEu)), ryn::osa::kLongestPollMs);
+
+    // A signal still ends a wait whose time-out does not fit a poll.
+    Events e(1);
+    std::thread signaller([&] { RynDrvSignalEvent_4(e.handles[0]); });
+    EXPECT_EQ(RynDrvWaitForSingleEvent_8(e.handles[0], 0xFFFFFFFEu), 0u);
+    signaller.join();
 }
 
 TEST(EventObjects, WaitAnyTakesTheLowestSignalled) {
