@@ -74,14 +74,14 @@ RYN_ENTRY(ResultCode, RynNetConnectLib, 0, (void))
 /* Closes the connection and every open application event queue. */
 RYN_ENTRY(ResultCode, RynDrvReleaseLib, 0, (void))
 /* The operating-system handle of the open connection. */
-RYN_ENTRY(ResultCode, RynDrvGetHandle, 4, (OsaHandle *handle))
+RYN_ENTRY(ResultCode, RynDrvGetHandle, 4, (OsaHandle * handle))
 
 /* ---- Devices, boards, logical devices and pipes ------------------------- */
 
 /* Enumeration: begin sets the iterator to 0; each enumeration call sends it
  * and stores the driver's next value (-1 when nothing follows). Out-values
  * are written whatever the result; the pointers are not tested for null. */
-RYN_ENTRY(ResultCode, RynDrvIteratorBegin, 4, (int32_t *iterator))
+RYN_ENTRY(ResultCode, RynDrvIteratorBegin, 4, (int32_t * iterator))
 /* 1 while the enumeration can go on (iterator not -1), else 0. */
 RYN_ENTRY(int32_t, RynDrvIsIteratorEnd, 4, (const int32_t *iterator))
 RYN_ENTRY(ResultCode, RynDrvEnumDeviceType, 12, (DeviceHandle parent, int32_t *iterator, int32_t *deviceType))
@@ -146,7 +146,7 @@ RYN_ENTRY(ResultCode, RynDrvSetAttributeValueSz, 12, (DeviceHandle handle, int32
  * this platform their handles are file descriptors, closed by
  * RynDrvCloseEvent (or OsaDeviceClose), and a driver in the same process may
  * signal one by writing to it. A failed creation stores 0 and returns 0. */
-RYN_ENTRY(ResultCode, RynDrvCreateEvent, 4, (OsaHandle *event))
+RYN_ENTRY(ResultCode, RynDrvCreateEvent, 4, (OsaHandle * event))
 RYN_ENTRY(ResultCode, RynDrvSignalEvent, 4, (OsaHandle event))
 RYN_ENTRY(ResultCode, RynDrvCloseEvent, 4, (OsaHandle event))
 /* 0 when signalled, 3 on time-out (0xFFFFFFFF waits without limit). */
@@ -184,12 +184,62 @@ RYN_ENTRY(ResultCode, RynDrvWriteReg16, 12, (DeviceHandle handle, uint32_t regis
 RYN_ENTRY(ResultCode, RynDrvWriteReg32, 12, (DeviceHandle handle, uint32_t registerOffset, uint32_t value))
 /* 100-ns intervals since 1601-01-01 (subtract 116444736000000000 and divide
  * by 10000000 for seconds since 1970). */
-RYN_ENTRY(ResultCode, RynDrvGetCurrentTime, 4, (uint64_t *time))
+RYN_ENTRY(ResultCode, RynDrvGetCurrentTime, 4, (uint64_t * time))
 RYN_ENTRY(ResultCode, RynStartWatchdogTimer, 4, (uint32_t unused))
 RYN_ENTRY(ResultCode, RynDrvDbgDump, 8, (uint32_t param1, uint32_t param2))
 /* The driver writes the text into text (textLength bytes). */
 RYN_ENTRY(ResultCode, RynDrvResultCode2String, 16,
           (DeviceHandle handle, ResultCode resultCode, char *text, uint32_t textLength))
+
+/* ---- DSP access ---------------------------------------------------------- */
+
+/* Every call takes a handle of any driver object (error 11 otherwise). */
+
+/* A message to the DSP program: the command and up to 1984 input bytes
+ * (more: error 9). Up to outputSize answer bytes are copied to output;
+ * outputLength (may be null) receives the answer's full length, which can
+ * exceed what was copied, and 0 when the driver was not reached. */
+RYN_ENTRY(ResultCode, RynDspIoControl, 36,
+          (DeviceHandle handle, uint16_t command, const void *input, uint32_t inputLength, void *output,
+           uint32_t outputSize, uint32_t *outputLength, uint32_t paramA, uint32_t paramB))
+/* out1 and out2 receive the driver's two values whatever the result. */
+RYN_ENTRY(ResultCode, RynDspReadData, 24,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3, uint32_t *out1, uint32_t *out2))
+RYN_ENTRY(ResultCode, RynDspReadHpi, 16, (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3))
+RYN_ENTRY(ResultCode, RynDspWriteHpi, 16, (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3))
+RYN_ENTRY(ResultCode, RynDspRestartProgram, 4, (DeviceHandle handle))
+
+/* ---- DSP program loader -------------------------------------------------- */
+
+/* Program files are TI COFF object files, version 1 or 2 (word target
+ * 0x0098 or byte target 0x009C), little-endian. The entry address is the
+ * first section's address when that section is ".text" (else 0), unless
+ * entryName names it: a hexadecimal number ("0x7E16", "7E16h") or a symbol
+ * of the file (error 13 when none matches). A null entryName is an empty
+ * one. A file that cannot be opened gives error 13, one that ends early or
+ * points outside itself error 5, an unsupported version or target error 17.
+ *
+ * A load holds the DSP, waits 50 ms, transfers the program and starts it; a
+ * failed transfer disables the DSP and cancels the load, a failed start
+ * disables it. A program file whose base name is "rynspm1" (any case) is
+ * started as a built-in module. */
+RYN_ENTRY(ResultCode, RynDspRunProgram, 12, (DeviceHandle handle, const char *fileName, const char *entryName))
+/* A command-stream image (word targets only: a byte-target file gives
+ * error 6) of at most capacity words; used receives the words written (also
+ * after a failure; error 29 when the image is full), entry the entry address
+ * on success. */
+RYN_ENTRY(ResultCode, RynDspCreateProgramImage, 24,
+          (const char *fileName, const char *entryName, uint16_t capacity, uint16_t *buffer, uint16_t *used,
+           uint32_t *entry))
+/* A record image (version 2 files only: a version 1 file gives error 17);
+ * a capacity below 5 words gives error 9. */
+RYN_ENTRY(ResultCode, RynDspCreateProgramImageEx, 24,
+          (const char *fileName, const char *entryName, uint32_t capacity, uint16_t *buffer, uint32_t *used,
+           uint32_t *entry))
+/* Ships an image of length words and starts it at entry. A record image
+ * whose records do not end exactly at the length, or a record of more than
+ * 256 bytes, gives error 12. */
+RYN_ENTRY(ResultCode, RynDspRunImage, 16, (DeviceHandle handle, const uint16_t *image, uint16_t length, uint32_t entry))
 
 /* ---- Application event queues ------------------------------------------- */
 

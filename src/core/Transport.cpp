@@ -5,7 +5,8 @@
 namespace ryn {
 
 ResultCode exchange(uint32_t function, std::span<const uint8_t> request, std::span<uint8_t> reply,
-                    uint32_t resultOffset, const TransportCodes &codes, std::span<const RynDriverBuffer> buffers) {
+                    uint32_t resultOffset, const TransportCodes &codes, std::span<const RynDriverBuffer> buffers,
+                    bool *answered) {
     uint32_t returned = 0;
     const int32_t ok = osa::deviceIoControl(
         driverHandle(), ioControlCode(function), request.data(), static_cast<uint32_t>(request.size()), reply.data(),
@@ -13,6 +14,7 @@ ResultCode exchange(uint32_t function, std::span<const uint8_t> request, std::sp
     uint8_t *result = reply.data() + resultOffset;
     if (ok == 0) store32(result, codes.callFailed);
     if (returned == 0) store32(result, codes.noReply);
+    if (answered != nullptr) *answered = ok != 0 && returned != 0;
     return load32(result);
 }
 

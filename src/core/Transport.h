@@ -50,10 +50,12 @@ inline uint16_t load16(const uint8_t *at) {
 // Sends `request` and receives `reply`: the returned byte count starts at 0;
 // a failed call stores codes.callFailed at `resultOffset` of the reply, then
 // a reply of no bytes stores codes.noReply there; the result is read from
-// that field. `resultOffset` + 4 must not exceed the reply.
+// that field. `resultOffset` + 4 must not exceed the reply. When `answered`
+// is given it tells whether the driver answered (the call succeeded and
+// returned bytes), so that a caller can tell a reply from a transport failure.
 ResultCode exchange(uint32_t function, std::span<const uint8_t> request, std::span<uint8_t> reply,
                     uint32_t resultOffset, const TransportCodes &codes = kStandardTransport,
-                    std::span<const RynDriverBuffer> buffers = {});
+                    std::span<const RynDriverBuffer> buffers = {}, bool *answered = nullptr);
 
 // Caller buffers named by address fields of one request.
 class AddressList {
@@ -118,8 +120,10 @@ public:
     template <uint32_t ResultOffset>
     ResultCode sendWithResultAt(const TransportCodes &codes) {
         static_assert(ResultOffset % 2 == 0 && ResultOffset + 4 <= ReplyLength, "result outside the reply");
-        return exchange(function_, request_, reply_, ResultOffset, codes, addresses_.buffers());
+        return exchange(function_, request_, reply_, ResultOffset, codes, addresses_.buffers(), &answered_);
     }
+    // Whether the last exchange reached the driver and brought a reply.
+    bool answered() const { return answered_; }
 
     template <uint32_t Offset>
     uint32_t get() const {
@@ -148,6 +152,7 @@ private:
     uint8_t request_[RequestLength]{};
     uint8_t reply_[ReplyLength]{};
     AddressList addresses_;
+    bool answered_ = false;
 };
 
 }  // namespace ryn

@@ -1,0 +1,13 @@
+#include "osa/Files.h"
+
+#include <sys/stat.h>
+
+namespace ryn::osa {
+
+std::optional<uint64_t> regularFileSize(FILE *file) {
+    struct stat facts {};
+    if (file == nullptr || fstat(fileno(file), &facts) != 0 || !S_ISREG(facts.st_mode)) return std::nullopt;
+    return static_cast<uint64_t>(facts.st_size);
+}
+
+}  // namespace ryn::osa
