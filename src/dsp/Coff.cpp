@@ -98,6 +98,11 @@ std::optional<std::span<const uint8_t>> ProgramFile::data(const Section &section
     return file_.bytes(section.rawDataOffset, uint64_t{section.size} * unitBytes());
 }
 
+uint32_t ProgramFile::defaultEntry() const {
+    const std::optional<Section> first = sectionCount() != 0 ? section(0) : std::nullopt;
+    return first && static_cast<int32_t>(first->size) > 0 && first->named(".text") ? first->physicalAddress : 0;
+}
+
 uint8_t ProgramFile::validate() const {
     for (uint32_t i = 0; i < sectionCount(); ++i) {
         const auto s = section(i);

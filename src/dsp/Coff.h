@@ -65,6 +65,9 @@ public:
     bool loads(const Section &section) const;
     // The raw data of a section, or nothing when it lies outside the file.
     std::optional<std::span<const uint8_t>> data(const Section &section) const;
+    // The entry address without an entry name: the first section's address
+    // when that section is ".text" and has data, else 0.
+    uint32_t defaultEntry() const;
     // Checks that every section header and the data of every loaded section
     // lie inside the file: 0 or kMalformed.
     uint8_t validate() const;

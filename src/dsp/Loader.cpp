@@ -2,6 +2,7 @@
 // program images in the caller's memory (command-stream and record images),
 // and program images to a DSP.
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -111,8 +112,8 @@ uint16_t wordAt(std::span<const uint8_t> data, size_t index) {
     return static_cast<uint16_t>(data[2 * index] | data[2 * index + 1] << 8);
 }
 
-// An image in the caller's memory, filled word by word up to its capacity.
-// Its state lives for one create call.
+// An image in the caller's memory, filled up to its capacity. Its state
+// lives for one create call.
 class ImageWriter {
 public:
     ImageWriter(uint16_t *buffer, uint32_t capacity) : buffer_(buffer), capacity_(capacity) {}
@@ -123,6 +124,13 @@ public:
         if (used_ >= capacity_) return false;
         buffer_[used_++] = word;
         return true;
+    }
+    // The next `words` words of the image, which the caller fills; only
+    // after fits(words).
+    uint16_t *take(uint32_t words) {
+        uint16_t *at = buffer_ + used_;
+        used_ += words;
+        return at;
     }
 
 private:
@@ -187,14 +195,21 @@ private:
         image_->put(static_cast<uint16_t>(chunk.address));
         image_->put(static_cast<uint16_t>(chunk.units >> 16));
         image_->put(static_cast<uint16_t>(chunk.units));
-        if (file_.byteTarget()) {
-            for (uint32_t i = 0; i < chunk.units; i += 2) {
-                const uint8_t high = i + 1 < chunk.units ? chunk.data[i + 1] : 0;
-                image_->put(static_cast<uint16_t>(chunk.data[i] | high << 8));
+        // Two bytes a word, the earlier in the low half, as the file holds
+        // words; an odd last byte stands alone.
+        const size_t pairs = chunk.data.size() / 2;
+        uint16_t *to = image_->take(static_cast<uint32_t>((chunk.data.size() + 1) / 2));
+        if constexpr (std::endian::native == std::endian::little) {
+            // Whole chunks take the copy of constant length, which compiles to plain moves.
+            if (pairs * 2 == kBlockBytes) {
+                std::memcpy(to, chunk.data.data(), kBlockBytes);
+            } else {
+                std::memcpy(to, chunk.data.data(), pairs * 2);
             }
         } else {
-            for (uint32_t i = 0; i < chunk.units; ++i) image_->put(wordAt(chunk.data, i));
+            for (size_t i = 0; i < pairs; ++i) to[i] = wordAt(chunk.data, i);
         }
+        if (chunk.data.size() % 2 != 0) to[pairs] = chunk.data.back();
         return 0;
     }
 
@@ -247,11 +262,8 @@ ResultCode loadProgram(const char *fileName, const char *entryName, Mode mode, D
     if (const uint8_t error = file.validate(); error != 0) return RYN_FAILURE(error);
 
     ChunkSink sink(mode, file, handle, image);
-    uint32_t address = 0;
     for (uint32_t i = 0; i < file.sectionCount(); ++i) {
         const coff::Section section = *file.section(i);
-        if (static_cast<int32_t>(section.size) <= 0 || section.named(".xref")) continue;
-        if (i == 0 && section.named(".text")) address = section.physicalAddress;
         if (!file.loads(section)) continue;
         const std::span<const uint8_t> data = *file.data(section);
         for (uint32_t offset = 0; offset < section.size; offset += file.chunkUnits()) {
@@ -262,6 +274,7 @@ ResultCode loadProgram(const char *fileName, const char *entryName, Mode mode, D
         }
     }
 
+    uint32_t address = file.defaultEntry();
     const std::string_view name = entryName != nullptr ? std::string_view(entryName) : std::string_view();
     if (!name.empty()) {
         if (const uint8_t error = file.resolveEntry(name, address); error != 0) return RYN_FAILURE(error);
