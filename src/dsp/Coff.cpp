@@ -138,7 +138,9 @@ uint8_t ProgramFile::resolveEntry(std::string_view name, uint32_t &address) cons
 
 // Walks the symbol table in order; an entry with auxiliary entries is
 // followed by one of them, which is stepped over. A long name is read from
-// the string table after the symbols, at most 30 bytes with its terminator.
+// the string table after the symbols, at most 30 bytes with its terminator
+// (a longer name matches nothing). A table or a long name cut off by the end
+// of the file makes the file malformed.
 std::optional<uint32_t> ProgramFile::findSymbol(std::string_view name, uint8_t &error) const {
     const uint64_t table = header_.symbolTableOffset;
     const uint64_t tableEnd = table + uint64_t{header_.symbolCount} * kSymbolSize;
@@ -154,7 +156,13 @@ std::optional<uint32_t> ProgramFile::findSymbol(std::string_view name, uint8_t &
             symbol = terminated(entry.bytes<0, 8>());
             if (!symbol) symbol = std::string_view(reinterpret_cast<const char *>(entry.bytes<0, 8>().data()), 8);
         } else {
-            symbol = terminated(file_.upTo(tableEnd + entry.u32<4>(), kLongNameBytes));
+            // A name without its terminator where the file ends is cut off.
+            const std::span<const uint8_t> text = file_.upTo(tableEnd + entry.u32<4>(), kLongNameBytes);
+            symbol = terminated(text);
+            if (!symbol && text.size() < kLongNameBytes) {
+                error = kMalformed;
+                return std::nullopt;
+            }
         }
         if (!found && symbol == name) found = entry.u32<8>();
         if (entry.u8<17>() != 0) at += kSymbolSize;

@@ -74,7 +74,7 @@ public:
 
     // The entry address for `name` (a hexadecimal number "0x..."/"...h", or
     // a symbol): 0 with the address, kUnresolved, or kMalformed when the
-    // symbol table lies outside the file.
+    // symbol table or a long name in the string table lies outside the file.
     uint8_t resolveEntry(std::string_view name, uint32_t &address) const;
 
 private:

@@ -255,7 +255,8 @@ TEST_F(Loader, RunImage) {
     ASSERT_EQ(load.buffers.size(), 1u);
     EXPECT_EQ(load.buffers[0].address, stream.data());
     EXPECT_EQ(load.buffers[0].length, 8u);
-    EXPECT_EQ(load.word(20), sizeof(void *) == 8 ? 1u : static_cast<uint32_t>(reinterpret_cast<uintptr_t>(stream.data())));
+    EXPECT_EQ(load.word(20),
+              sizeof(void *) == 8 ? 1u : static_cast<uint32_t>(reinterpret_cast<uintptr_t>(stream.data())));
 }
 
 TEST_F(Loader, CleanUpOrder) {
@@ -298,12 +299,12 @@ TEST_F(Loader, ModuleFlagFromTheBaseName) {
 
 TEST_F(Loader, MalformedFilesAreRefused) {
     CoffFile file = wordFile({{".text", 0x100, words(4)}, {".data", 0x200, words(4)}});
-    file.symbols = {{"_start", 0x1234}};
+    file.symbols = {{"_start", 0x1234}, {"a_long_symbol_name", 0x5678}};
     const std::vector<uint8_t> whole = file.bytes();
     // Cut inside the file header, the optional header, the second section
-    // header, the second section's data, and the symbol table.
-    const size_t sectionTable = 50, data = sectionTable + 96;
-    for (size_t cut : {size_t{10}, size_t{40}, sectionTable + 60, data + 12, data + 16 + 5}) {
+    // header, the second section's data, the symbol table and the string table.
+    const size_t sectionTable = 50, data = sectionTable + 96, symbols = data + 16;
+    for (size_t cut : {size_t{10}, size_t{40}, sectionTable + 60, data + 12, symbols + 5, symbols + 36 + 4}) {
         TempFile f(std::vector<uint8_t>(whole.begin(), whole.begin() + cut));
         driver.clear();
         EXPECT_EQ(dspError(RynDspRunProgram_12(kDsp, f.path(), "_start")), 5u) << cut;
