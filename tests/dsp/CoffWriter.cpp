@@ -1,10 +1,6 @@
 #include "dsp/CoffWriter.h"
 
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <atomic>
+#include <algorithm>
 #include <cstring>
 
 namespace ryn::test {
@@ -71,23 +67,6 @@ std::vector<uint8_t> words(uint32_t count, uint16_t first) {
     std::vector<uint8_t> out(count * 2);
     for (uint32_t i = 0; i < count; ++i) put16(out, 2 * i, static_cast<uint16_t>(first + i));
     return out;
-}
-
-TempFile::TempFile(const std::vector<uint8_t> &bytes, const std::string &name) {
-    static std::atomic<int> counter{0};
-    folder_ = ::testing::TempDir() + "ryn-" + std::to_string(getpid()) + "-" + std::to_string(counter++);
-    mkdir(folder_.c_str(), 0700);
-    path_ = folder_ + "/" + name;
-    FILE *file = std::fopen(path_.c_str(), "wb");
-    if (file != nullptr) {
-        std::fwrite(bytes.data(), 1, bytes.size(), file);
-        std::fclose(file);
-    }
-}
-
-TempFile::~TempFile() {
-    std::remove(path_.c_str());
-    rmdir(folder_.c_str());
 }
 
 }  // namespace ryn::test

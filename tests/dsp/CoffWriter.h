@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -37,18 +36,5 @@ struct CoffFile {
 
 // `count` 16-bit words first, first + 1, ... as little-endian bytes.
 std::vector<uint8_t> words(uint32_t count, uint16_t first = 0x100);
-
-// A file of the given name in a folder of its own under the test's
-// temporary folder, removed with the object.
-class TempFile {
-public:
-    explicit TempFile(const std::vector<uint8_t> &bytes, const std::string &name = "program.out");
-    ~TempFile();
-    const char *path() const { return path_.c_str(); }
-
-private:
-    std::string folder_;
-    std::string path_;
-};
 
 }  // namespace ryn::test

@@ -5,6 +5,7 @@
 
 #include "RynHwDll.h"
 #include "dsp/CoffWriter.h"
+#include "support/TempFile.h"
 
 namespace {
 
