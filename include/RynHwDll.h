@@ -241,6 +241,12 @@ RYN_ENTRY(ResultCode, RynDspCreateProgramImageEx, 24,
  * 256 bytes, gives error 12. */
 RYN_ENTRY(ResultCode, RynDspRunImage, 16, (DeviceHandle handle, const uint16_t *image, uint16_t length, uint32_t entry))
 
+/* ---- HDLC and SS7 -------------------------------------------------------- */
+
+/* ---- Raw data and burst transfer ----------------------------------------- */
+
+/* ---- Tone generators and diallers ---------------------------------------- */
+
 /* ---- Application event queues ------------------------------------------- */
 
 /* Queues of EventData records kept by the library, 128 at most, usable from

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <vector>
 
 #include "RynHwDll.h"
@@ -17,43 +16,32 @@ TEST_F(DspAccess, RequestLayouts) {
     uint32_t out1 = 0, out2 = 0, length = 0;
     uint8_t answer[8] = {};
     const uint8_t input[3] = {0xA1, 0xA2, 0xA3};
-    const struct Row {
-        std::function<ResultCode()> call;
-        uint32_t function, inputLength, outputLength;
-        std::vector<std::pair<size_t, uint32_t>> words;
-    } rows[] = {
-        {[&] { return RynDspIoControl_36(kDsp, 0xBEEF, input, 3, answer, 8, &length, 0xA, 0xB); },
-         0x99E,
-         2022,
-         1998,
-         {{16, kDsp}, {20, 5}, {24, 8}, {28, 0xA}, {32, 0xB}, {36, 0xA2A1BEEF}, {40, 0xA3}}},
-        {[&] { return RynDspIoControl_36(kDsp, 7, nullptr, 0, nullptr, 0, nullptr, 0, 0); },
-         0x99E,
-         2022,
-         1998,
-         {{20, 2}, {24, 0}, {36, 7}}},
-        {[&] { return RynDspReadData_24(kDsp, 1, 2, 3, &out1, &out2); },
-         0x99F,
-         32,
-         20,
-         {{16, kDsp}, {20, 1}, {24, 3}, {28, 2}}},
-        {[&] { return RynDspRestartProgram_4(0x60000001); }, 0x9A1, 20, 12, {{16, 0x60000001}}},
-        {[&] { return RynDspReadHpi_16(0x10000001, 4, 5, 6); },
-         0x9A2,
-         32,
-         12,
-         {{16, 0x10000001}, {20, 4}, {24, 5}, {28, 6}}},
-        {[&] { return RynDspWriteHpi_16(kDsp, 7, 8, 9); }, 0x9A3, 32, 12, {{16, kDsp}, {20, 7}, {24, 8}, {28, 9}}},
-    };
-    for (const Row &row : rows) {
-        driver.clear();
-        EXPECT_EQ(row.call(), 0u);
-        const auto request = driver.lastRequest();
-        EXPECT_EQ(request.function(), row.function);
-        EXPECT_EQ(request.input.size(), row.inputLength);
-        EXPECT_EQ(request.outputLength, row.outputLength);
-        for (const auto &[offset, value] : row.words) EXPECT_EQ(request.word(offset), value) << "offset " << offset;
-    }
+    ryn::test::expectLayouts(
+        driver,
+        {
+            {[&] { return RynDspIoControl_36(kDsp, 0xBEEF, input, 3, answer, 8, &length, 0xA, 0xB); },
+             0x99E,
+             2022,
+             1998,
+             {{16, kDsp}, {20, 5}, {24, 8}, {28, 0xA}, {32, 0xB}, {36, 0xA2A1BEEF}, {40, 0xA3}}},
+            {[&] { return RynDspIoControl_36(kDsp, 7, nullptr, 0, nullptr, 0, nullptr, 0, 0); },
+             0x99E,
+             2022,
+             1998,
+             {{20, 2}, {24, 0}, {36, 7}}},
+            {[&] { return RynDspReadData_24(kDsp, 1, 2, 3, &out1, &out2); },
+             0x99F,
+             32,
+             20,
+             {{16, kDsp}, {20, 1}, {24, 3}, {28, 2}}},
+            {[&] { return RynDspRestartProgram_4(0x60000001); }, 0x9A1, 20, 12, {{16, 0x60000001}}},
+            {[&] { return RynDspReadHpi_16(0x10000001, 4, 5, 6); },
+             0x9A2,
+             32,
+             12,
+             {{16, 0x10000001}, {20, 4}, {24, 5}, {28, 6}}},
+            {[&] { return RynDspWriteHpi_16(kDsp, 7, 8, 9); }, 0x9A3, 32, 12, {{16, kDsp}, {20, 7}, {24, 8}, {28, 9}}},
+        });
     // Read data: the values at 8 and 12, stored whatever the result at 16.
     driver.script(ScriptedReply{}.word(8, 0x11).word(12, 0x22).word(16, 0xE000000Fu));
     EXPECT_EQ(RynDspReadData_24(kDsp, 1, 2, 3, &out1, &out2), 0xE000000Fu);

@@ -14,7 +14,6 @@ using namespace ryn::test;
 using Loader = ConnectedTest;
 using Words = std::vector<uint16_t>;
 using Functions = std::vector<uint32_t>;
-using Fields = std::vector<std::pair<size_t, uint32_t>>;
 
 constexpr DeviceHandle kDsp = 0x20000011;
 constexpr uint32_t kHold = 0x99A, kStart = 0x99B, kBlock = 0x99C, kCancel = 0x99D, kLoadImage = 0x9A0, kDisable = 0x80D;
@@ -27,10 +26,6 @@ Functions functions(const std::vector<RecordedRequest> &requests) {
     Functions out;
     for (const auto &r : requests) out.push_back(r.function());
     return out;
-}
-
-void expectFields(const RecordedRequest &request, const Fields &fields) {
-    for (const auto &[offset, value] : fields) EXPECT_EQ(request.word(offset), value) << "offset " << offset;
 }
 
 // The error number of a code raised by the DSP module; 0 for success.
