@@ -241,6 +241,16 @@ RYN_ENTRY(ResultCode, RynDspCreateProgramImageEx, 24,
  * 256 bytes, gives error 12. */
 RYN_ENTRY(ResultCode, RynDspRunImage, 16, (DeviceHandle handle, const uint16_t *image, uint16_t length, uint32_t entry))
 
+/* ---- Built-in signal-processing modules --------------------------------- */
+
+/* Runs the built-in module image that fits the DSP type the driver reports
+ * for handle (any driver object, else error 11): module identifiers 0 to 6
+ * and 10 to 13 (others: error 9); a module without an image for that DSP
+ * type gives error 17. The image is shipped and started as RynDspRunImage
+ * does. The undecorated entry point renumbers the module identifier for
+ * older drivers. */
+RYN_ENTRY(ResultCode, RynDspRunSpm, 8, (DeviceHandle handle, uint32_t module))
+
 /* ---- HDLC and SS7 -------------------------------------------------------- */
 
 /* ---- Raw data and burst transfer ----------------------------------------- */

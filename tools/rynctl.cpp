@@ -4,7 +4,10 @@
 //                                answer to the version announcement
 //   rynctl coff FILE             what a DSP program file holds
 //   rynctl image FILE -o OUT     a program image made from a program file
+//   rynctl spm list              the built-in signal-processing modules
+//   rynctl spm run DEVICE MODULE runs a built-in module on a DSP
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -211,11 +214,76 @@ int image(int argc, char **argv) {
     return 0;
 }
 
+// ---- Built-in modules ----------------------------------------------------------
+
+struct SpmRow {
+    uint32_t module, dspType;
+    const char *form;
+    uint32_t length, entry;
+    const char *text;
+};
+
+constexpr SpmRow kSpmRows[] = {
+#define RYN_SPM_MODULE(module, type, form, length, entry, text) {module, type, #form, length, entry, text},
+#include "ModuleTable.inc"
+#undef RYN_SPM_MODULE
+};
+
+int spmUsage(FILE *to) {
+    std::fprintf(to,
+                 "usage: rynctl spm list\n"
+                 "       rynctl spm run DEVICE MODULE\n"
+                 "list prints the built-in signal-processing modules: identifier, DSP type, kind of image,\n"
+                 "length in words, entry address and the text the image carries. run connects to the driver\n"
+                 "and runs module MODULE on the DSP whose driver handle is DEVICE (for example 0x20000011),\n"
+                 "choosing the image by the DSP type the driver reports.\n");
+    return to == stdout ? 0 : 2;
+}
+
+std::string printable(const char *text) {
+    std::string out;
+    for (; *text != '\0'; ++text) out += *text == '\n' ? std::string("\\n") : std::string(1, *text);
+    return out;
+}
+
+int spm(int argc, char **argv) {
+    if (argc == 1 && std::strcmp(argv[0], "list") == 0) {
+        std::printf("module  DSP type  image                 length  entry     text\n");
+        for (const SpmRow &row : kSpmRows) {
+            const char *kind = std::strcmp(row.form, "CommandStream") == 0 ? "command stream"
+                               : std::strcmp(row.form, "Records1") == 0    ? "word records (v1)"
+                                                                           : "byte records (v2)";
+            std::printf("%6u  %8u  %-20s %7u  0x%05X   %s\n", row.module, row.dspType, kind, row.length, row.entry,
+                        printable(row.text).c_str());
+        }
+        return 0;
+    }
+    if (argc == 3 && std::strcmp(argv[0], "run") == 0) {
+        char *end = nullptr;
+        const unsigned long device = std::strtoul(argv[1], &end, 0);
+        char *moduleEnd = nullptr;
+        const unsigned long module = std::strtoul(argv[2], &moduleEnd, 0);
+        if (*end != '\0' || *moduleEnd != '\0' || device > 0xFFFFFFFFul || module > 0xFFFFFFFFul)
+            return spmUsage(stderr);
+        const ResultCode connected = RynDrvConnectLib();
+        if (RynFailure(connected)) {
+            printResult("connect", connected);
+            return 1;
+        }
+        const ResultCode result = RynDspRunSpm(static_cast<DeviceHandle>(device), static_cast<uint32_t>(module));
+        printResult("run module", result);
+        RynDrvReleaseLib();
+        return RynFailure(result) ? 1 : 0;
+    }
+    return spmUsage(argc == 1 && std::strcmp(argv[0], "--help") == 0 ? stdout : stderr);
+}
+
 int usage() {
     std::fprintf(stderr,
                  "usage: rynctl info\n"
                  "       rynctl coff FILE [--entry NAME]\n"
-                 "       rynctl image FILE -o OUT [--records] [--entry NAME]\n");
+                 "       rynctl image FILE -o OUT [--records] [--entry NAME]\n"
+                 "       rynctl spm list | run DEVICE MODULE\n");
     return 2;
 }
 
@@ -225,5 +293,6 @@ int main(int argc, char **argv) {
     if (argc == 2 && std::strcmp(argv[1], "info") == 0) return info();
     if (argc >= 2 && std::strcmp(argv[1], "coff") == 0) return coff(argc - 2, argv + 2);
     if (argc >= 2 && std::strcmp(argv[1], "image") == 0) return image(argc - 2, argv + 2);
+    if (argc >= 2 && std::strcmp(argv[1], "spm") == 0) return spm(argc - 2, argv + 2);
     return usage();
 }

@@ -51,6 +51,13 @@ TEST(Rynctl, DescribesProgramFilesAndWritesTheirImages) {
     EXPECT_EQ(bytes[2 * 316] | bytes[2 * 316 + 1] << 8, expected[316]);
 }
 
+TEST(Rynctl, ListsTheBuiltInModules) {
+    const auto [out, code] = rynctl("spm list");
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 28);
+    EXPECT_NE(out.find("    13         2  word records (v1)      14034  0x03BB6   HDLC RX\n"), std::string::npos) << out;
+}
+
 TEST(Rynctl, ClearMessagesForBadFiles) {
     CoffFile file;
     file.sections = {{".text", 0x100, words(4)}};
