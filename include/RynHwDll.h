@@ -28,6 +28,16 @@ extern "C" {
 
 /* ---- Shared types ------------------------------------------------------- */
 
+/* A compile-time check that holds in C99 (a negative array size fails) and
+ * in later C and C++. */
+#if defined(__cplusplus)
+#define RYN_STATIC_ASSERT(condition, name) static_assert(condition, #name)
+#elif defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L
+#define RYN_STATIC_ASSERT(condition, name) _Static_assert(condition, #name)
+#else
+#define RYN_STATIC_ASSERT(condition, name) typedef char ryn_static_assert_##name[(condition) ? 1 : -1]
+#endif
+
 typedef uint32_t ResultCode;
 typedef uint32_t DeviceHandle;
 
@@ -250,6 +260,74 @@ RYN_ENTRY(ResultCode, RynDspRunImage, 16, (DeviceHandle handle, const uint16_t *
  * does. The undecorated entry point renumbers the module identifier for
  * older drivers. */
 RYN_ENTRY(ResultCode, RynDspRunSpm, 8, (DeviceHandle handle, uint32_t module))
+
+/* ---- T1/E1 framer control ----------------------------------------------- */
+
+/* Every value passes to the driver unchanged and the driver checks it; the
+ * handle's kind is not tested. Getters write their out-values whatever the
+ * result. Null record or out pointers are refused with error 10. The
+ * records travel whole; their fields are the driver's and the framer's. */
+typedef struct T1Configuration {
+    uint8_t bytes[60];
+} T1Configuration;
+typedef struct E1Configuration {
+    uint8_t bytes[56];
+} E1Configuration;
+typedef struct Layer1StatusEx {
+    uint8_t bytes[20];
+} Layer1StatusEx;
+typedef struct RobBitData {
+    uint8_t bytes[16];
+} RobBitData;
+typedef struct ABCDBitData {
+    uint8_t bytes[16];
+} ABCDBitData;
+RYN_STATIC_ASSERT(sizeof(T1Configuration) == 60, T1Configuration_is_60_bytes);
+RYN_STATIC_ASSERT(sizeof(E1Configuration) == 56, E1Configuration_is_56_bytes);
+RYN_STATIC_ASSERT(sizeof(Layer1StatusEx) == 20, Layer1StatusEx_is_20_bytes);
+RYN_STATIC_ASSERT(sizeof(RobBitData) == 16, RobBitData_is_16_bytes);
+RYN_STATIC_ASSERT(sizeof(ABCDBitData) == 16, ABCDBitData_is_16_bytes);
+
+RYN_ENTRY(ResultCode, RynT1E1SetLiMode, 8, (DeviceHandle handle, uint32_t mode))
+RYN_ENTRY(ResultCode, RynT1SetConfiguration, 8, (DeviceHandle handle, const T1Configuration *config))
+RYN_ENTRY(ResultCode, RynT1GetConfiguration, 8, (DeviceHandle handle, T1Configuration *config))
+RYN_ENTRY(ResultCode, RynE1SetConfiguration, 8, (DeviceHandle handle, const E1Configuration *config))
+RYN_ENTRY(ResultCode, RynE1GetConfiguration, 8, (DeviceHandle handle, E1Configuration *config))
+RYN_ENTRY(ResultCode, RynT1E1AlarmOn, 8, (DeviceHandle handle, uint32_t alarm))
+RYN_ENTRY(ResultCode, RynT1E1AlarmOff, 8, (DeviceHandle handle, uint32_t alarm))
+RYN_ENTRY(ResultCode, RynT1E1SetLineLoop, 8, (DeviceHandle handle, uint32_t loop))
+RYN_ENTRY(ResultCode, RynT1E1ForceResynch, 4, (DeviceHandle handle))
+RYN_ENTRY(ResultCode, RynT1E1GetLayer1Status, 8, (DeviceHandle handle, uint32_t *status))
+RYN_ENTRY(ResultCode, RynT1E1XmitPinControl, 8, (DeviceHandle handle, uint32_t control))
+RYN_ENTRY(ResultCode, RynT1E1SetLineTermination, 8, (DeviceHandle handle, uint32_t termination))
+RYN_ENTRY(ResultCode, RynT1E1SetMonitorMode, 8, (DeviceHandle handle, uint32_t mode))
+RYN_ENTRY(ResultCode, RynT1E1SetPrbsConfig, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynT1SetRobBitData, 8, (DeviceHandle handle, const RobBitData *bits))
+RYN_ENTRY(ResultCode, RynT1GetRobBitData, 8, (DeviceHandle handle, RobBitData *bits))
+RYN_ENTRY(ResultCode, RynE1SetABCDBit, 8, (DeviceHandle handle, const ABCDBitData *bits))
+RYN_ENTRY(ResultCode, RynE1GetABCDBit, 8, (DeviceHandle handle, ABCDBitData *bits))
+RYN_ENTRY(ResultCode, RynE1GetSaBit, 12, (DeviceHandle handle, uint32_t selector, uint8_t *value))
+RYN_ENTRY(ResultCode, RynE1SetSaBit, 12, (DeviceHandle handle, uint32_t selector, uint8_t value))
+RYN_ENTRY(ResultCode, RynE1GetSiBit, 12, (DeviceHandle handle, uint8_t *value1, uint8_t *value2))
+RYN_ENTRY(ResultCode, RynE1SetSiBit, 12, (DeviceHandle handle, uint8_t value1, uint8_t value2))
+RYN_ENTRY(ResultCode, RynT1SetChannelizedRobBitData, 12, (DeviceHandle handle, uint32_t channel, uint8_t bits))
+RYN_ENTRY(ResultCode, RynT1GetChannelizedRobBitData, 12, (DeviceHandle handle, uint32_t channel, uint8_t *bits))
+RYN_ENTRY(ResultCode, RynE1SetChannelizedABCDBit, 12, (DeviceHandle handle, uint32_t channel, uint8_t bits))
+RYN_ENTRY(ResultCode, RynE1GetChannelizedABCDBit, 12, (DeviceHandle handle, uint32_t channel, uint8_t *bits))
+RYN_ENTRY(ResultCode, RynT1SetDlBitData, 8, (DeviceHandle handle, uint32_t dlBits))
+RYN_ENTRY(ResultCode, RynT1E1InsertSingleBitDefect, 8, (DeviceHandle handle, uint32_t defect))
+RYN_ENTRY(ResultCode, RynT1E1GetLayer1StatusEx, 8, (DeviceHandle handle, Layer1StatusEx *statusEx))
+
+/* ---- BRI ------------------------------------------------------------------ */
+
+/* Declared but not carried out: every call returns the failure "not
+ * provided" (error 6), reads none of its arguments and sends nothing. */
+RYN_ENTRY(ResultCode, RynBriSetLiMode, 8, (DeviceHandle handle, uint32_t mode))
+RYN_ENTRY(ResultCode, RynBriConfigureMonitor, 8, (DeviceHandle handle, uint32_t param1))
+RYN_ENTRY(ResultCode, RynBriGetLineStatus, 8, (DeviceHandle handle, uint32_t *status))
+RYN_ENTRY(ResultCode, RynBriActivateLink, 8, (DeviceHandle handle, uint32_t param1))
+RYN_ENTRY(ResultCode, RynBriDeactivateLink, 8, (DeviceHandle handle, uint32_t param1))
+RYN_ENTRY(ResultCode, RynBriTermLi, 8, (DeviceHandle handle, uint32_t param1))
 
 /* ---- HDLC and SS7 -------------------------------------------------------- */
 
