@@ -329,6 +329,58 @@ RYN_ENTRY(ResultCode, RynBriActivateLink, 8, (DeviceHandle handle, uint32_t para
 RYN_ENTRY(ResultCode, RynBriDeactivateLink, 8, (DeviceHandle handle, uint32_t param1))
 RYN_ENTRY(ResultCode, RynBriTermLi, 8, (DeviceHandle handle, uint32_t param1))
 
+/* ---- POTS and SLIC ------------------------------------------------------- */
+
+/* The handle's kind is not tested. Out-values are written from the reply
+ * whatever the result; a null out pointer is skipped. POTS failures carry
+ * the POTS module; SLIC failures are bare codes (bit 31 and the error
+ * number alone): 0x80000009 for a name of more than 15 characters or a
+ * number of other than 10, 0x80000005 when the driver's clock has no local
+ * time, 0x8000000A for a null name or number. */
+RYN_ENTRY(ResultCode, RynPotsOffHook, 4, (DeviceHandle handle))
+RYN_ENTRY(ResultCode, RynPotsOnHook, 4, (DeviceHandle handle))
+RYN_ENTRY(ResultCode, RynPotsHookFlash, 16, (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3))
+/* Up to 127 digits (128 or more: error 9, nothing sent); the characters
+ * are the driver's to judge. */
+RYN_ENTRY(ResultCode, RynPotsPulseDial, 32,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3, const uint8_t *digits,
+           uint32_t digitCount, uint32_t param6, uint32_t param7))
+RYN_ENTRY(ResultCode, RynPotsSetLiMode, 8, (DeviceHandle handle, uint32_t mode))
+RYN_ENTRY(ResultCode, RynPotsGetLiMode, 8, (DeviceHandle handle, uint32_t *mode))
+RYN_ENTRY(ResultCode, RynSlicSetResetPin, 8, (DeviceHandle handle, uint32_t state))
+RYN_ENTRY(ResultCode, RynSlicEnableDialTone, 4, (DeviceHandle handle))
+RYN_ENTRY(ResultCode, RynSlicEnableBusyTone, 4, (DeviceHandle handle))
+RYN_ENTRY(ResultCode, RynSlicEnableReorderTone, 4, (DeviceHandle handle))
+RYN_ENTRY(ResultCode, RynSlicEnableCongestionTone, 4, (DeviceHandle handle))
+RYN_ENTRY(ResultCode, RynSlicEnableRingBackTone, 4, (DeviceHandle handle))
+RYN_ENTRY(ResultCode, RynSlicGetHookState, 8, (DeviceHandle handle, uint32_t *state))
+/* Waits 200 ms before it asks the driver to ring. */
+RYN_ENTRY(ResultCode, RynSlicStartRingState, 8, (DeviceHandle handle, uint32_t *status))
+RYN_ENTRY(ResultCode, RynSlicStopRingState, 8, (DeviceHandle handle, uint32_t *status))
+RYN_ENTRY(ResultCode, RynSlicEnableAudio, 8, (DeviceHandle handle, uint32_t *status))
+RYN_ENTRY(ResultCode, RynSlicSignalDisconnectState, 12, (DeviceHandle handle, uint32_t param1, uint32_t *status))
+/* At most 15 characters. */
+RYN_ENTRY(ResultCode, RynSlicSetUserName, 12, (DeviceHandle handle, const char *name, uint32_t *status))
+/* Exactly 10 characters. */
+RYN_ENTRY(ResultCode, RynSlicSetPhoneNumber, 12, (DeviceHandle handle, const char *number, uint32_t *status))
+/* Sends the date and time of the call, MMDDhhmm in local time, from the
+ * driver's clock; when the clock cannot be read, its failure is returned,
+ * 0 is stored through status and nothing more is sent. */
+RYN_ENTRY(ResultCode, RynSlicSendCallerID, 8, (DeviceHandle handle, uint32_t *status))
+
+/* ---- Board controls and JTAG ------------------------------------------------ */
+
+RYN_ENTRY(ResultCode, RynBrdSetClocks, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynBrdTssConstByte, 16, (DeviceHandle handle, uint32_t param1, uint32_t param2, uint8_t value))
+RYN_ENTRY(ResultCode, RynBrdCodecSetLaw, 8, (DeviceHandle handle, uint32_t law))
+RYN_ENTRY(ResultCode, RynJtagControl, 8, (DeviceHandle handle, uint32_t control))
+/* A scan of the vector in input (a string in the driver's notation); output
+ * receives the driver's answer and must have room for strlen(input) + 1
+ * bytes; it is always terminated within them. Error 7 when the staging
+ * blocks cannot be had, error 10 for a null string. */
+RYN_ENTRY(ResultCode, RynJtagScanIr, 16, (DeviceHandle handle, uint32_t param1, const char *input, char *output))
+RYN_ENTRY(ResultCode, RynJtagScanDr, 16, (DeviceHandle handle, uint32_t param1, const char *input, char *output))
+
 /* ---- HDLC and SS7 -------------------------------------------------------- */
 
 /* ---- Raw data and burst transfer ----------------------------------------- */

@@ -88,12 +88,23 @@ int FakeDriver::answer(const RynDriverRequest &request, uint32_t *returned) {
         if (offset + run.size() <= request.outputLength) std::memcpy(out + offset, run.data(), run.size());
     }
     *returned = reply.returned.value_or(request.outputLength);
+    std::function<void(const RynDriverRequest &)> hook;
+    {
+        std::lock_guard lock(mutex_);
+        hook = hook_;
+    }
+    if (hook) hook(request);
     return reply.ok;
 }
 
 void FakeDriver::script(ScriptedReply reply) {
     std::lock_guard lock(mutex_);
     script_.push_back(std::move(reply));
+}
+
+void FakeDriver::setHook(std::function<void(const RynDriverRequest &)> hook) {
+    std::lock_guard lock(mutex_);
+    hook_ = std::move(hook);
 }
 
 void FakeDriver::setDefaultResult(ResultCode resultAtEnd) {

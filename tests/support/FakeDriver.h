@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -65,6 +66,9 @@ public:
     // The reply given when the script is empty: `resultAtEnd` as the last
     // 32-bit field of every reply.
     void setDefaultResult(ResultCode resultAtEnd);
+    // Runs during every request, after the scripted reply is written: a
+    // driver's look at the caller buffers that the request names.
+    void setHook(std::function<void(const RynDriverRequest &)> hook);
 
     std::vector<RecordedRequest> requests() const;
     RecordedRequest lastRequest() const;
@@ -84,6 +88,7 @@ private:
     std::deque<ScriptedReply> script_;
     std::vector<RecordedRequest> requests_;
     std::optional<ResultCode> defaultResult_;
+    std::function<void(const RynDriverRequest &)> hook_;
     bool open_ = false;
 };
 
