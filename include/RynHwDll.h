@@ -383,6 +383,44 @@ RYN_ENTRY(ResultCode, RynJtagScanDr, 16, (DeviceHandle handle, uint32_t param1, 
 
 /* ---- HDLC and SS7 -------------------------------------------------------- */
 
+/* The handle is the channel's; its kind is not tested. Settings (paramN,
+ * filter) pass to the driver unchanged. Frame data travel by address: the
+ * driver reads data, or writes into buffer, while the call runs; the library
+ * neither copies nor checks them. A frame of 8192 bytes or more (a repeated
+ * block of 10 or more) is refused with error 9 and nothing is sent. Out
+ * values are written whatever the result; a null out pointer is skipped. */
+RYN_ENTRY(ResultCode, RynHdlcSenderInit, 28,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3, uint32_t param4, uint32_t param5,
+           uint32_t param6))
+RYN_ENTRY(ResultCode, RynHdlcReceiverInit, 32,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3, uint32_t param4, uint32_t param5,
+           uint32_t param6, uint32_t param7))
+RYN_ENTRY(ResultCode, RynHdlcSendData, 20,
+          (DeviceHandle handle, const void *data, uint32_t length, uint32_t param3, uint32_t param4))
+/* length receives the driver's received length as given, not compared with
+ * bufferSize; param6 the driver's 8-byte value as it stands. */
+RYN_ENTRY(ResultCode, RynHdlcReadData, 28,
+          (DeviceHandle handle, void *buffer, uint32_t bufferSize, uint32_t *length, uint32_t *param4,
+           uint32_t *param5, uint64_t *param6))
+/* ss7Header receives exactly 3 bytes. */
+RYN_ENTRY(ResultCode, RynHdlcSS7GetReceiveStatus, 20,
+          (DeviceHandle handle, uint32_t *param1, uint32_t *param2, uint32_t *param3, uint8_t *ss7Header))
+RYN_ENTRY(ResultCode, RynHdlcSS7SetFilter, 8, (DeviceHandle handle, uint32_t filter))
+RYN_ENTRY(ResultCode, RynHdlcSS7GetFilter, 8, (DeviceHandle handle, uint32_t *filter))
+/* The 3 bytes at ss7Header are copied into the request (null: error 10,
+ * after the length check). */
+RYN_ENTRY(ResultCode, RynHdlcSS7SendData, 24,
+          (DeviceHandle handle, const void *data, uint32_t length, const uint8_t *ss7Header, uint32_t param4,
+           uint32_t param5))
+/* Starts the repeated sending of a block of at most 9 bytes. */
+RYN_ENTRY(ResultCode, RynHdlcStartRepeatData, 20,
+          (DeviceHandle handle, const void *data, uint32_t length, uint32_t param3, uint32_t param4))
+RYN_ENTRY(ResultCode, RynHdlcStopRepeatData, 4, (DeviceHandle handle))
+/* The four values go to the driver in order; length receives its answer. */
+RYN_ENTRY(ResultCode, RynHdlcReadDataEx, 24,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3, uint32_t param4, uint32_t *length))
+RYN_ENTRY(ResultCode, RynHdlcSenderFlush, 4, (DeviceHandle handle))
+
 /* ---- Raw data and burst transfer ----------------------------------------- */
 
 /* ---- Tone generators and diallers ---------------------------------------- */
