@@ -425,6 +425,14 @@ RYN_ENTRY(ResultCode, RynHdlcSenderFlush, 4, (DeviceHandle handle))
 
 /* ---- Tone generators and diallers ---------------------------------------- */
 
+/* ---- Tone detectors ------------------------------------------------------ */
+
+/* ---- Telephony blocks ---------------------------------------------------- */
+
+/* ---- Data converter and mixer -------------------------------------------- */
+
+/* ---- POTS line control through a DSP block ------------------------------- */
+
 /* ---- Application event queues ------------------------------------------- */
 
 /* Queues of EventData records kept by the library, 128 at most, usable from
