@@ -11,6 +11,13 @@
  * the connection is closed. `control` runs on the caller's thread; several
  * threads may be inside it at once.
  *
+ * What the library relies on. `control` writes no more than
+ * `outputLength` bytes into `output` and reports in *returned how many it
+ * wrote; a `control` that fails (returns 0) leaves the output block
+ * untouched. The library's reply blocks start zero-filled, so a reply the
+ * driver does not write reads as zero, and every count the library copies
+ * by is bounded to what its own blocks hold.
+ *
  * Calling back into the library. The library holds none of its locks while
  * module code runs (loading the module, `open`, `control`, `close`), so a
  * module may call any exported function from them: open another device
