@@ -431,7 +431,37 @@ RYN_ENTRY(ResultCode, RynHdlcSenderFlush, 4, (DeviceHandle handle))
 
 /* ---- Data converter and mixer -------------------------------------------- */
 
+/* The converter takes the block's logical-device handle (kind 2, else error
+ * 11, nothing sent); param1 and param2 pass to the block unchanged. The
+ * mixer's set-up is not provided: error 6 for any handle, nothing sent. */
+RYN_ENTRY(ResultCode, RynDataConverterInit, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynDataMixerInit, 4, (DeviceHandle handle))
+
 /* ---- POTS line control through a DSP block ------------------------------- */
+
+/* Only the set-up checks the handle (kind 2, else error 11, nothing sent);
+ * the other calls pass any handle to the driver. Settings (paramN) pass to
+ * the block unchanged.
+ *
+ * RynCstPotsInit sets the block up, then programs the DAA by daaMode with writes of
+ * RynCstPotsWriteDaa (param1 2, param2 500): 1 to 3 register 0x10 <- 0x0C,
+ * a 300 ms pause, register 0x11 <- 0x10; 4 register 0x10 <- 0x64; 5 register
+ * 0x10 <- 0x04; other modes none. A failure of the set-up or of a write is
+ * returned at once; a write status above 1 stops the sequence with a warning
+ * (bit 31 clear, error 26). Else the result of the last exchange. */
+RYN_ENTRY(ResultCode, RynCstPotsInit, 12, (DeviceHandle handle, uint32_t param1, int32_t daaMode))
+RYN_ENTRY(ResultCode, RynCstPotsOffHook, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynCstPotsOnHook, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynCstPotsHookFlash, 16, (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3))
+RYN_ENTRY(ResultCode, RynCstPotsPulseDial, 16, (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3))
+RYN_ENTRY(ResultCode, RynCstPotsOnHookLineMon, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynCstPotsSenseLine, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+/* Writes one DAA register. status receives the write's status after every
+ * exchange, whatever the result (meaningful on success); null: error 10,
+ * nothing sent. */
+RYN_ENTRY(ResultCode, RynCstPotsWriteDaa, 24,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint8_t daaRegister, uint8_t daaValue,
+           uint32_t *status))
 
 /* ---- Application event queues ------------------------------------------- */
 
