@@ -6,122 +6,96 @@ namespace {
 
 using namespace ryn;
 
-// Sets a driver version level for one test and restores 0 afterwards.
+template <class T>
+struct Case {
+    uint32_t level;
+    T in, out;
+};
+
+// Every table crosses each level boundary of its translation; level 0 (no
+// driver version known) leaves everything alone.
 class Level : public ::testing::Test {
 protected:
     void TearDown() override { setDriverVersionLevel(0); }
+
+    template <class T, size_t N>
+    static void expectTranslations(T (*translate)(T), const Case<T> (&cases)[N]) {
+        for (const Case<T> &c : cases) {
+            setDriverVersionLevel(c.level);
+            EXPECT_EQ(translate(c.in), c.out) << "level " << c.level << ", " << c.in;
+        }
+    }
 };
 
-TEST_F(Level, ResultCodeReducedOnlyFrom10120To10139) {
-    const ResultCode code = 0xB5008D0B;
-    setDriverVersionLevel(10130);
-    EXPECT_EQ(compatResultCode(code), 0x8000000Bu);
-    EXPECT_EQ(compatResultCode(0x3500011Eu), 0x1Eu);  // error 30 loses bit 31 anyway
-    EXPECT_EQ(compatResultCode(0x35000101u), 0x01u);  // a status stays positive
-    for (uint32_t level : {0u, 10119u, 10140u, 10100u, 99999u}) {
-        setDriverVersionLevel(level);
-        EXPECT_EQ(compatResultCode(code), code) << level;
-    }
-    for (uint32_t level : {10120u, 10139u}) {
-        setDriverVersionLevel(level);
-        EXPECT_EQ(compatResultCode(code), 0x8000000Bu) << level;
-    }
+TEST_F(Level, ResultCodesReducedOnlyFrom10120To10139) {
+    const Case<ResultCode> cases[] = {{0, 0xB5008D0B, 0xB5008D0B},
+                                      {10119, 0xB5008D0B, 0xB5008D0B},
+                                      {10120, 0xB5008D0B, 0x8000000B},
+                                      {10139, 0xB5008D0B, 0x8000000B},
+                                      {10140, 0xB5008D0B, 0xB5008D0B}};
+    expectTranslations(compatResultCode, cases);
 }
 
-TEST_F(Level, AttributeIdentifiersAtTheBoundaries) {
-    struct Case {
-        uint32_t level;
-        int32_t in, out;
-    } cases[] = {
-        {0, 6, 6},     {10119, 6, INT32_MIN}, {10119, 0, INT32_MIN}, {10120, 6, 9},         {10120, 5, 5},
-        {10130, 6, 9}, {10138, 6, 9},         {10139, 6, 7},         {10145, 6, 7},         {10146, 100, 101},
-        {10147, 6, 6}, {10139, 5, 5},         {10130, -3, -3},       {10100, 1, INT32_MIN},
-    };
-    for (const Case &c : cases) {
-        setDriverVersionLevel(c.level);
-        EXPECT_EQ(compatAttributeId(c.in), c.out) << c.level << " " << c.in;
-    }
+TEST_F(Level, AttributeIdentifiers) {
+    const Case<int32_t> cases[] = {{0, 6, 6},
+                                   {10119, 6, INT32_MIN},
+                                   {10119, 0, INT32_MIN},
+                                   {10120, 6, 9},
+                                   {10120, 5, 5},
+                                   {10138, 6, 9},
+                                   {10139, 6, 7},
+                                   {10139, 5, 5},
+                                   {10145, 6, 7},
+                                   {10146, 100, 101},
+                                   {10147, 6, 6},
+                                   {10130, -3, -3},
+                                   {10100, 1, INT32_MIN},
+                                   // The highest identifiers wrap around as 32-bit values.
+                                   {10130, INT32_MAX, INT32_MIN + 2},
+                                   {10139, INT32_MAX, INT32_MIN}};
+    expectTranslations(compatAttributeId, cases);
 }
 
 TEST_F(Level, DeviceTypesBothDirections) {
-    setDriverVersionLevel(10130);
-    struct Pair {
-        int32_t in, out;
-    };
-    for (const Pair &p : std::initializer_list<Pair>{{0, 0},
-                                                     {-15, -15},
-                                                     {-16, -16},
-                                                     {-17, -16},
-                                                     {-30, -29},
-                                                     {-31, -31},
-                                                     {-32, -30},
-                                                     {-42, -40},
-                                                     {-43, -43},
-                                                     {5, 5}}) {
-        EXPECT_EQ(compatDeviceTypeToDriver(p.in), p.out) << p.in;
-    }
-    for (const Pair &p : std::initializer_list<Pair>{
-             {0, 0}, {-15, -15}, {-16, -17}, {-29, -30}, {-30, -32}, {-40, -42}, {-41, -41}, {7, 7}}) {
-        EXPECT_EQ(compatDeviceTypeFromDriver(p.in), p.out) << p.in;
-    }
-    for (uint32_t level : {0u, 10137u, 10200u}) {
-        setDriverVersionLevel(level);
-        EXPECT_EQ(compatDeviceTypeToDriver(-17), -17);
-        EXPECT_EQ(compatDeviceTypeFromDriver(-16), -16);
-    }
-    for (uint32_t level : {10120u, 10136u}) {
-        setDriverVersionLevel(level);
-        EXPECT_EQ(compatDeviceTypeToDriver(-17), -16);
-        EXPECT_EQ(compatDeviceTypeFromDriver(-16), -17);
-    }
-    setDriverVersionLevel(10119);
-    EXPECT_EQ(compatDeviceTypeToDriver(0), INT32_MIN);
-    EXPECT_EQ(compatDeviceTypeFromDriver(0), INT32_MIN);
+    const Case<int32_t> toDriver[] = {{10130, 0, 0},     {10130, -15, -15}, {10130, -16, -16}, {10130, -17, -16},
+                                      {10130, -30, -29}, {10130, -31, -31}, {10130, -32, -30}, {10130, -42, -40},
+                                      {10130, -43, -43}, {10130, 5, 5},     {0, -17, -17},     {10119, 0, INT32_MIN},
+                                      {10120, -17, -16}, {10136, -17, -16}, {10137, -17, -17}};
+    expectTranslations(compatDeviceTypeToDriver, toDriver);
+    const Case<int32_t> fromDriver[] = {{10130, 0, 0},     {10130, -15, -15},     {10130, -16, -17}, {10130, -29, -30},
+                                        {10130, -30, -32}, {10130, -40, -42},     {10130, -41, -41}, {10130, 7, 7},
+                                        {0, -16, -16},     {10119, 0, INT32_MIN}, {10120, -16, -17}, {10136, -16, -17},
+                                        {10137, -16, -16}};
+    expectTranslations(compatDeviceTypeFromDriver, fromDriver);
 }
 
 TEST_F(Level, ModuleIdentifiersByLevelRow) {
-    struct Case {
-        uint32_t level;
-        uint32_t in, out;
-    } cases[] = {
-        {0, 2, 2},
-        {10142, 2, 2},
-        {10142, 500, 500},
-        {10141, 2, 0xFFFFFFFF},
-        {10141, 5, 6},
-        {10139, 8, 9},
-        {10138, 2, 1},
-        {10138, 1, 0xFFFFFFFF},
-        {10137, 10, 9},
-        {10136, 2, 3},
-        {10128, 4, 6},
-        {10127, 3, 6},
-        {10126, 5, 7},
-        {10125, 3, 0xFFFFFFFF},
-        {10125, 4, 6},
-        {10124, 4, 6},
-        {10120, 6, 0xFFFFFFFF},
-        {10119, 0, 0xFFFFFFFF},
-        {10138, 11, 0xFFFFFFFF},
-        {10138, 0xFFFFFFFF, 0xFFFFFFFF},
-    };
-    for (const Case &c : cases) {
-        setDriverVersionLevel(c.level);
-        EXPECT_EQ(compatSpmId(c.in), c.out) << c.level << " " << c.in;
-    }
+    constexpr uint32_t kNone = 0xFFFFFFFF;
+    const Case<uint32_t> cases[] = {{0, 2, 2},          {10142, 2, 2},         {10142, 500, 500}, {10141, 2, kNone},
+                                    {10141, 5, 6},      {10139, 8, 9},         {10138, 2, 1},     {10138, 1, kNone},
+                                    {10138, 11, kNone}, {10138, kNone, kNone}, {10137, 10, 9},    {10136, 2, 3},
+                                    {10128, 4, 6},      {10127, 3, 6},         {10126, 5, 7},     {10125, 3, kNone},
+                                    {10125, 4, 6},      {10124, 4, 6},         {10120, 6, kNone}, {10119, 0, kNone}};
+    expectTranslations(compatSpmId, cases);
 }
 
+// Without a P the text after '-' counts; parsing stops after the fourth
+// component; a component without digits counts 0.
 TEST(VersionParse, ExamplesAndOddForms) {
-    EXPECT_EQ(parseDriverVersion("1.01.37.0"), 10137u);
-    EXPECT_EQ(parseDriverVersion("1.01.00-P37"), 10137u);
-    EXPECT_EQ(parseDriverVersion("1.01.37"), 10100u);
-    EXPECT_EQ(parseDriverVersion("1.01-P37"), 10037u);
-    EXPECT_EQ(parseDriverVersion("1.01.20-p5"), 10105u);
-    EXPECT_EQ(parseDriverVersion("2.0.0.0"), 20000u);
-    EXPECT_EQ(parseDriverVersion(""), 0u);
-    EXPECT_EQ(parseDriverVersion("1.01.30-7"), 10107u);    // no P: the text after '-'
-    EXPECT_EQ(parseDriverVersion("1.01.37.0.9"), 10137u);  // stops after the fourth component
-    EXPECT_EQ(parseDriverVersion("x.01.37.0"), 137u);      // a component without digits counts 0
+    const struct {
+        const char *text;
+        uint32_t level;
+    } cases[] = {{"1.01.37.0", 10137},
+                 {"1.01.00-P37", 10137},
+                 {"1.01.37", 10100},
+                 {"1.01-P37", 10037},
+                 {"1.01.20-p5", 10105},
+                 {"2.0.0.0", 20000},
+                 {"", 0},
+                 {"1.01.30-7", 10107},
+                 {"1.01.37.0.9", 10137},
+                 {"x.01.37.0", 137}};
+    for (const auto &c : cases) EXPECT_EQ(parseDriverVersion(c.text), c.level) << c.text;
 }
 
 }  // namespace

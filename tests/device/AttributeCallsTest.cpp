@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <string>
+#include <tuple>
+#include <vector>
 
 #include "RynHwDll.h"
 #include "support/ConnectedTest.h"
@@ -10,124 +11,101 @@ namespace {
 
 using ryn::test::ScriptedReply;
 
-constexpr DeviceHandle kLibrary = RYN_LIBRARY_PSEUDO_HANDLE;
+constexpr DeviceHandle kLibrary = RYN_LIBRARY_PSEUDO_HANDLE, kDevice = 0x10000001;
 
-TEST(LibraryAttributes, ValuesAndBufferLengthRules) {
+TEST(LibraryAttributes, ValuesTypesAndBufferLengthRules) {
     char text[16];
+    uint32_t returned = 0, value = 0xFFFF;
     EXPECT_EQ(RynDrvGetAttributeValueSz_16(kLibrary, 9, text, 9), 0u);
     EXPECT_STREQ(text, "2.12.1.0");
-    uint32_t returned = 77;
-    EXPECT_EQ(RynDrvGetAttributeValue_20(kLibrary, 9, text, 16, &returned), 0u);
-    EXPECT_EQ(returned, 9u);
-    std::memset(text, 'X', sizeof text);
-    EXPECT_EQ(RynResultErrorCode(RynDrvGetAttributeValue_20(kLibrary, 9, text, 8, &returned)), 9u);
-    EXPECT_EQ(returned, 0u);
-    EXPECT_EQ(text[0], 'X');
-
-    uint8_t version[8] = {};
-    EXPECT_EQ(RynDrvGetAttributeValue_20(kLibrary, 10, version, 8, &returned), 0u);
-    EXPECT_EQ(std::memcmp(version, "\x02\x00\x0C\x00\x01\x00\x00\x00", 8), 0);
     EXPECT_EQ(RynDrvGetAttributeValue_20(kLibrary, 11, text, 13, &returned), 0u);
     EXPECT_STREQ(text, "RynHwDll.dll");
     EXPECT_EQ(returned, 13u);
-
-    uint32_t value = 0xFFFF;
-    EXPECT_EQ(RynResultErrorCode(RynDrvGetAttributeValue_20(kLibrary, 12, &value, 3, &returned)), 9u);
+    uint8_t version[8] = {};
+    EXPECT_EQ(RynDrvGetAttributeValue_20(kLibrary, 10, version, 8, &returned), 0u);
+    EXPECT_EQ(std::memcmp(version, "\x02\x00\x0C\x00\x01\x00\x00\x00", 8), 0);
     EXPECT_EQ(RynDrvGetAttributeValueUint32_12(kLibrary, 12, &value), 0u);
     EXPECT_EQ(value, 0u);
-    // Below 4 bytes comes first, even for an unknown identifier.
-    EXPECT_EQ(RynResultErrorCode(RynDrvGetAttributeValue_20(kLibrary, 13, &value, 2, &returned)), 9u);
-    EXPECT_EQ(RynResultErrorCode(RynDrvGetAttributeValue_20(kLibrary, 13, &value, 4, &returned)), 16u);
-}
 
-TEST(LibraryAttributes, TypeQueries) {
-    uint32_t type = 9, size = 9, flags = 9;
-    EXPECT_EQ(RynDrvGetAttributeType_20(kLibrary, 11, &type, &size, &flags), 0u);
-    EXPECT_EQ(type, 0u);
-    EXPECT_EQ(size, 13u);
-    EXPECT_EQ(flags, 1u);
-    EXPECT_EQ(RynDrvGetAttributeType_20(kLibrary, 12, &type, &size, &flags), 0u);
-    EXPECT_EQ(type, 2u);
-    EXPECT_EQ(size, 4u);
-    const ResultCode unknown = RynDrvGetAttributeType_20(kLibrary, 13, &type, &size, &flags);
-    EXPECT_EQ(RynResultErrorCode(unknown), 16u);
-    EXPECT_EQ(RynFailure(unknown), 1);
-    EXPECT_EQ(type, 3u);
-    EXPECT_EQ(size, 0u);
-    EXPECT_EQ(flags, 1u);
+    // Below 4 bytes is refused first, even for an unknown identifier; a
+    // refused read reports 0 bytes and leaves the buffer alone. Failures
+    // are compared as the failure bit and the error number.
+    std::memset(text, 'X', sizeof text);
+    const std::tuple<int32_t, uint32_t, uint32_t> refused[] = {{9, 8, 9}, {12, 3, 9}, {13, 2, 9}, {13, 4, 16}};
+    for (const auto &[id, length, error] : refused) {
+        returned = 77;
+        const ResultCode code = RynDrvGetAttributeValue_20(kLibrary, id, text, length, &returned);
+        EXPECT_EQ(std::tuple(code & 0x800000FF, returned), std::tuple(0x80000000 | error, 0u)) << id << "/" << length;
+    }
+    EXPECT_EQ(text[0], 'X');
+
+    // Type, size and flags; an unknown identifier still reports binary, size 0.
+    const std::tuple<int32_t, uint32_t, std::vector<uint32_t>> types[] = {
+        {11, 0, {0, 13, 1}}, {12, 0, {2, 4, 1}}, {13, 0x80000010, {3, 0, 1}}};
+    for (const auto &[id, result, expected] : types) {
+        std::vector<uint32_t> got(3, 9);
+        const ResultCode code = RynDrvGetAttributeType_20(kLibrary, id, &got[0], &got[1], &got[2]);
+        EXPECT_EQ(std::tuple(code & 0x800000FF, got), std::tuple(result, expected)) << id;
+    }
 }
 
 using DriverAttributes = ryn::test::ConnectedTest;
 
-TEST_F(DriverAttributes, ReadBlocksAndCallerBufferRoundTrip) {
-    uint8_t buffer[100];
-    std::memset(buffer, 0x33, sizeof buffer);
-    ScriptedReply reply;
-    reply.word(8, 0).word(12, 2);
-    reply.bytes.emplace_back(16, std::vector<uint8_t>{0xAB, 0xCD});
-    driver.script(reply);
-    uint32_t returned = 0;
-    EXPECT_EQ(RynDrvGetAttributeValue_20(0x10000001, 7, buffer, 100, &returned), 0u);
-    EXPECT_EQ(returned, 2u);
-    EXPECT_EQ(buffer[0], 0xAB);
-    EXPECT_EQ(buffer[2], 0x33);  // what the driver did not write comes back unchanged
-    EXPECT_EQ(buffer[99], 0x33);
-    const auto sent = driver.lastRequest();
-    EXPECT_EQ(sent.code, 0x222060u);
-    EXPECT_EQ(sent.input.size(), 28u);
-    EXPECT_EQ(sent.outputLength, 117u);
-    EXPECT_EQ(sent.word(20), 7u);
-    EXPECT_EQ(sent.word(24), 100u);
+TEST_F(DriverAttributes, RequestLayouts) {
+    // Checks that a call succeeded and sent one more request: its function,
+    // request and reply lengths, and the 32-bit fields from `start` on.
+    size_t count = 0;
+    const auto sent = [&](ResultCode result, uint32_t function, size_t inputLength, uint32_t outputLength,
+                          std::vector<uint32_t> fields, size_t start = 16) {
+        const auto request = driver.lastRequest();
+        std::vector<uint32_t> got;
+        for (size_t i = 0; i < fields.size(); ++i) got.push_back(request.word(start + 4 * i));
+        EXPECT_EQ(std::tuple(result, driver.requestCount(), request.function(), request.input.size(),
+                             request.outputLength, got),
+                  std::tuple(0u, ++count, function, inputLength, outputLength, fields));
+    };
+    uint32_t type = 0, size = 0, flags = 0;
+    sent(RynDrvGetAttributeType_20(kDevice, 7, &type, &size, &flags), 0x817, 24, 24, {kDevice, 7});
+    // The value reply holds the value after a 16-byte head and the set request
+    // holds it at 28, each plus one spare byte; a text takes its terminator.
+    uint8_t buffer[100] = {};
+    sent(RynDrvGetAttributeValue_20(kDevice, 7, buffer, 100, nullptr), 0x818, 28, 117, {kDevice, 7, 100});
+    sent(RynDrvSetAttributeValueSz_12(0, 13, ""), 0x819, 30, 12, {0, 13, 1});
+    sent(RynDrvSetAttributeValueUint32_12(0x20000001, 21, 0xCAFEBABE), 0x819, 33, 12, {0x20000001, 21, 4, 0xCAFEBABE});
 
-    // The transport stores its code at offset 8; the buffer keeps its content.
-    driver.script(ryn::test::failedCall(0));
-    returned = 5;
-    EXPECT_EQ(RynDrvGetAttributeValue_20(0x10000001, 7, buffer, 100, &returned), 0xC300AD0Du);
-    EXPECT_EQ(buffer[0], 0xAB);
-    EXPECT_EQ(buffer[50], 0x33);
-    EXPECT_EQ(RynDrvGetAttributeValue_20(0x10000001, 7, buffer, 100, nullptr), 0u);
-}
-
-TEST_F(DriverAttributes, SetBlocksAndOverflowingLengths) {
-    EXPECT_EQ(RynDrvSetAttributeValueSz_12(0, 13, ""), 0u);
-    auto sent = driver.lastRequest();
-    EXPECT_EQ(sent.code, 0x222064u);
-    EXPECT_EQ(sent.input.size(), 30u);
-    EXPECT_EQ(sent.word(24), 1u);
-    EXPECT_EQ(sent.outputLength, 12u);
-
-    EXPECT_EQ(RynDrvSetAttributeValueUint32_12(0x20000001, 21, 0xCAFEBABE), 0u);
-    sent = driver.lastRequest();
-    EXPECT_EQ(sent.input.size(), 33u);
-    EXPECT_EQ(sent.word(16), 0x20000001u);
-    EXPECT_EQ(sent.word(24), 4u);
-    EXPECT_EQ(sent.word(28), 0xCAFEBABEu);
-
+    // Lengths whose block would not fit 32 bits are refused before any request.
     driver.clear();
-    uint8_t byte = 0;
-    EXPECT_EQ(RynResultErrorCode(RynDrvGetAttributeValue_20(1, 7, &byte, 0xFFFFFFF0u, nullptr)), 9u);
-    EXPECT_EQ(RynResultErrorCode(RynDrvSetAttributeValue_16(1, 7, &byte, 0xFFFFFFE5u)), 9u);
+    EXPECT_EQ(RynResultErrorCode(RynDrvGetAttributeValue_20(kDevice, 7, buffer, 0xFFFFFFEFu, nullptr)), 9u);
+    EXPECT_EQ(RynResultErrorCode(RynDrvSetAttributeValue_16(kDevice, 7, buffer, 0xFFFFFFE3u)), 9u);
     EXPECT_EQ(driver.requestCount(), 0u);
 }
 
-TEST_F(DriverAttributes, UndecoratedFormsTranslateIdentifiers) {
-    ryn::setDriverVersionLevel(10130);
-    uint32_t value = 0;
-    EXPECT_EQ(RynDrvGetAttributeValueUint32(0x10000001, 6, &value), 0u);
-    EXPECT_EQ(driver.lastRequest().word(20), 9u);
-    EXPECT_EQ(RynDrvSetAttributeValueBool(0x10000001, 5, 1), 0u);
-    EXPECT_EQ(driver.lastRequest().word(20), 5u);
-    ryn::setDriverVersionLevel(10145);
-    EXPECT_EQ(RynDrvGetAttributeValueBool(0x10000001, 6, &value), 0u);
-    EXPECT_EQ(driver.lastRequest().word(20), 7u);
-    ryn::setDriverVersionLevel(10100);
+TEST_F(DriverAttributes, RepliesCopiedOutWhateverTheResult) {
+    driver.script(ScriptedReply{}.word(8, 2).word(12, 4).word(16, 1).word(20, 0xB5000101));
     uint32_t type = 0, size = 0, flags = 0;
-    EXPECT_EQ(RynDrvGetAttributeType(0x10000001, 1, &type, &size, &flags), 0u);
-    EXPECT_EQ(driver.lastRequest().word(20), 0x80000000u);
-    // Translated whatever the handle: the library pseudo-handle sees 10 as 13.
-    ryn::setDriverVersionLevel(10130);
-    char text[16];
-    EXPECT_EQ(RynDrvGetAttributeValueSz(kLibrary, 10, text, sizeof text), 0x80000010u);
+    EXPECT_EQ(RynDrvGetAttributeType_20(kDevice, 7, &type, &size, &flags), 0xB5000101u);
+    EXPECT_EQ(std::tuple(type, size, flags), std::tuple(2u, 4u, 1u));
+
+    // The caller's buffer goes out in the reply, so what the driver does not
+    // write comes back unchanged.
+    uint8_t buffer[100];
+    std::memset(buffer, 0x33, sizeof buffer);
+    ScriptedReply reply;
+    reply.word(8, 0).word(12, 2).bytes.emplace_back(16, std::vector<uint8_t>{0xAB, 0xCD});
+    driver.script(reply);
+    uint32_t returned = 0;
+    EXPECT_EQ(RynDrvGetAttributeValue_20(kDevice, 7, buffer, 100, &returned), 0u);
+    EXPECT_EQ(returned, 2u);
+    EXPECT_EQ(buffer[1], 0xCD);
+    EXPECT_EQ(buffer[2], 0x33);
+    EXPECT_EQ(buffer[99], 0x33);
+
+    // The transport stores its code at offset 8; the buffer keeps its content.
+    driver.script(ryn::test::failedCall(0));
+    EXPECT_EQ(RynDrvGetAttributeValue_20(kDevice, 7, buffer, 100, &returned), 0xC300AD0Du);
+    EXPECT_EQ(returned, 0u);
+    EXPECT_EQ(buffer[0], 0xAB);
+    EXPECT_EQ(buffer[50], 0x33);
 }
 
 }  // namespace

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+#include <vector>
+
 #include "RynHwDll.h"
 #include "support/ConnectedTest.h"
 
@@ -10,16 +13,17 @@ using ryn::test::ScriptedReply;
 using DeviceCalls = ryn::test::ConnectedTest;
 
 constexpr DeviceHandle kPhysical = 0x10000007, kLogical = 0x20000003, kPipe = 0x40000001, kOther = 0x60000002;
+constexpr uint32_t u32(int32_t value) { return static_cast<uint32_t>(value); }
 
 TEST_F(DeviceCalls, RefusedChecksSendNothingAndWriteNothing) {
     DeviceHandle out = 0xAAAA;
     uint32_t state = 0xBBBB;
     const uint8_t data[4] = {};
-    const ResultCode refused[] = {
+    const ResultCode wrongKind[] = {
         RynDrvCreateLogicalDevice_20(kLogical, -1, 0, 0, &out),
         RynDrvDisconnectLogicalDevice_16(kPhysical, 0, kLogical, 0),
         RynDrvDisconnectLogicalDevice_16(kPipe, 0, kPhysical, 0),
-        RynDrvConnectPipe_24(kPhysical, 0, kPipe, 0, nullptr, 0),  // swapped: the first check refuses
+        RynDrvConnectPipe_24(kPhysical, 0, kPipe, 0, data, 513),  // the kinds are checked before the length
         RynDrvConnectPipe_24(kPipe, 0, kLogical, 0, nullptr, 0),
         RynDrvDisconnectPipe_8(kLogical, 0),
         RynDrvConnectBoard_8(0, kPhysical),
@@ -30,11 +34,8 @@ TEST_F(DeviceCalls, RefusedChecksSendNothingAndWriteNothing) {
         RynDrvReset_4(0),
         RynDrvClose_4(0),
     };
-    for (ResultCode code : refused) {
-        EXPECT_EQ(RynFailure(code), 1);
-        EXPECT_EQ(RynResultErrorCode(code), 11u);
-        EXPECT_EQ(RynResultSourceId(code), 0x6Au);
-    }
+    for (ResultCode code : wrongKind) EXPECT_EQ(code & 0xFF8000FF, 0xB500000Bu);  // failure, device core, error 11
+    // The pipe's data area holds 512 bytes.
     EXPECT_EQ(RynResultErrorCode(RynDrvConnectPipe_24(kPipe, 0, kPhysical, 0, data, -5)), 9u);
     EXPECT_EQ(RynResultErrorCode(RynDrvConnectPipe_24(kPipe, 0, kPhysical, 0, data, 513)), 9u);
     EXPECT_EQ(driver.requestCount(), 0u);
@@ -42,154 +43,103 @@ TEST_F(DeviceCalls, RefusedChecksSendNothingAndWriteNothing) {
     EXPECT_EQ(state, 0xBBBBu);
 }
 
-TEST_F(DeviceCalls, AcceptedKindsReachTheDriver) {
-    EXPECT_EQ(RynDrvDisconnectLogicalDevice_16(kPipe, 1, kLogical, 2), 0u);
-    EXPECT_EQ(RynDrvConnectLogicalDevice_16(kPhysical, 1, 0, 2), 0u);  // the driver judges connects
-    EXPECT_EQ(RynDrvConnectBoard_8(kOther, 0x30000000), 0u);
-    EXPECT_EQ(RynDrvEnable_12(0x50000000, 1, 2), 0u);
-    EXPECT_EQ(RynDrvReset_4(0xF0000001), 0u);  // reset only refuses 0
-    const auto requests = driver.requests();
-    ASSERT_EQ(requests.size(), 5u);
-    const uint32_t codes[] = {0x222050, 0x22204C, 0x222080, 0x222030, 0x222038};
-    const size_t lengths[] = {32, 32, 24, 28, 20};
-    for (size_t i = 0; i < 5; ++i) {
-        EXPECT_EQ(requests[i].code, codes[i]);
-        EXPECT_EQ(requests[i].input.size(), lengths[i]);
-    }
-    EXPECT_EQ(requests[0].word(16), kPipe);
-    EXPECT_EQ(requests[0].word(28), 2u);
-}
-
-TEST_F(DeviceCalls, OpenPhysicalDeviceSwapsFourthAndFifth) {
-    driver.script(ScriptedReply{}.word(8, kPhysical).word(12, 0));
+// Every handle here is of a kind the call accepts.
+TEST_F(DeviceCalls, RequestLayouts) {
+    // Checks that a call succeeded and sent one more request: its function,
+    // request and reply lengths, and the 32-bit fields from `start` on.
+    size_t count = 0;
+    const auto sent = [&](ResultCode result, uint32_t function, size_t inputLength, uint32_t outputLength,
+                          std::vector<uint32_t> fields, size_t start = 16) {
+        const auto request = driver.lastRequest();
+        std::vector<uint32_t> got;
+        for (size_t i = 0; i < fields.size(); ++i) got.push_back(request.word(start + 4 * i));
+        EXPECT_EQ(std::tuple(result, driver.requestCount(), request.function(), request.input.size(),
+                             request.outputLength, got),
+                  std::tuple(0u, ++count, function, inputLength, outputLength, fields));
+    };
     DeviceHandle handle = 0;
-    EXPECT_EQ(RynDrvOpenPhysicalDevice_24(1, 2, 3, 4, 5, &handle), 0u);
-    EXPECT_EQ(handle, kPhysical);
-    const auto sent = driver.lastRequest();
-    EXPECT_EQ(sent.code, 0x2221C4u);
-    ASSERT_EQ(sent.input.size(), 36u);
-    EXPECT_EQ(sent.outputLength, 16u);
-    EXPECT_EQ(sent.word(16), 1u);
-    EXPECT_EQ(sent.word(24), 3u);
-    EXPECT_EQ(sent.word(28), 5u);
-    EXPECT_EQ(sent.word(32), 4u);
-
-    driver.script(ScriptedReply{}.word(8, kPhysical).word(12, 0xB5000105));
-    EXPECT_EQ(RynDrvOpenPhysicalDevice_24(1, 2, 3, 4, 5, &handle), 0xB5000105u);
-    EXPECT_EQ(handle, 0xFFFFFFFFu);
-}
-
-TEST_F(DeviceCalls, GetDeviceHandleHeaderAndTransportCodes) {
-    driver.script(ScriptedReply{}.word(4, 0).word(8, kLogical));
-    DeviceHandle handle = 0;
-    EXPECT_EQ(RynDrvGetDeviceHandle_16(kPhysical, -3, 77, &handle), 0u);
-    EXPECT_EQ(handle, kLogical);
-    const auto sent = driver.lastRequest();
-    EXPECT_EQ(sent.code, 0x2221C0u);
-    ASSERT_EQ(sent.input.size(), 24u);
-    EXPECT_EQ(sent.outputLength, 12u);
-    EXPECT_EQ(sent.word(12), kPhysical);
-    EXPECT_EQ(sent.word(16), static_cast<uint32_t>(-3));
-    EXPECT_EQ(sent.word(20), 77u);
-
-    driver.script(ScriptedReply{}.word(4, 0xB5000107).word(8, kLogical));
-    EXPECT_EQ(RynDrvGetDeviceHandle_16(kPhysical, -3, 77, &handle), 0xB5000107u);
-    EXPECT_EQ(handle, 0xFFFFFFFFu);
-
-    driver.script(ryn::test::failedCall(12));
-    EXPECT_EQ(RynDrvGetDeviceHandle_16(kPhysical, -3, 77, nullptr), 0xC300B90Du);
-    driver.script(ryn::test::failedCall(0));
-    EXPECT_EQ(RynDrvGetDeviceHandle_16(kPhysical, -3, 77, &handle), 0xC300BC0Du);
-    EXPECT_EQ(driver.requestCount(), 4u);
-}
-
-TEST_F(DeviceCalls, CreateCallsCarryTheConnectionHandle) {
-    driver.script(ScriptedReply{}.word(8, kLogical));
-    DeviceHandle logical = 0;
-    EXPECT_EQ(RynDrvCreateLogicalDevice_20(kPhysical, -20, 3, 4, &logical), 0u);
-    EXPECT_EQ(logical, kLogical);
-    auto sent = driver.lastRequest();
-    EXPECT_EQ(sent.code, 0x2221C8u);
-    EXPECT_EQ(sent.input.size(), 36u);
-    EXPECT_EQ(sent.word(24), 3u);
-    EXPECT_EQ(sent.word(28), connection);
-    EXPECT_EQ(sent.word(32), 4u);
-
-    logical = 0x1234;
-    driver.script(ScriptedReply{}.word(8, kLogical).word(12, 0xB5000101));
-    EXPECT_EQ(RynDrvCreateLogicalDevice_20(kPhysical, -20, 3, 4, &logical), 0xB5000101u);
-    EXPECT_EQ(logical, 0x1234u);  // not written on failure
-
-    DeviceHandle pipe = 0;
-    driver.script(ScriptedReply{}.word(8, kPipe).word(12, 0xB5000101));
-    EXPECT_EQ(RynDrvCreatePipe_8(9, &pipe), 0xB5000101u);
-    EXPECT_EQ(pipe, kPipe);  // written whatever the result
-    sent = driver.lastRequest();
-    EXPECT_EQ(sent.word(16), 9u);
-    EXPECT_EQ(sent.word(20), connection);
-}
-
-TEST_F(DeviceCalls, ConnectPipeDataArea) {
+    uint32_t value = 0;
+    int32_t iterator = 4, type = 0;
+    sent(RynDrvEnumDeviceType_12(kPhysical, &iterator, &type), 0x80A, 24, 20, {kPhysical, 4});
+    iterator = 5;
+    sent(RynDrvEnumDevice_16(kPhysical, -2, &iterator, &value), 0x80B, 28, 20, {kPhysical, u32(-2), 5});
+    // This request has a 12-byte header: its fields start at 12.
+    sent(RynDrvGetDeviceHandle_16(kPhysical, -3, 77, &handle), 0x870, 24, 12, {kPhysical, u32(-3), 77}, 12);
+    // The fourth and fifth arguments change places.
+    sent(RynDrvOpenPhysicalDevice_24(1, 2, 3, 4, 5, &handle), 0x871, 36, 16, {1, 2, 3, 5, 4});
+    sent(RynDrvOpenPhysicalDeviceEx_12(1, 2, 3), 0x878, 28, 12, {1, 2, 3});
+    sent(RynDrvCreateLogicalDevice_20(kPhysical, -20, 3, 4, &handle), 0x872, 36, 16,
+         {kPhysical, u32(-20), 3, connection, 4});
+    sent(RynDrvCreatePipe_8(9, &handle), 0x874, 24, 16, {9, connection});
+    // The driver judges the kinds of a connect.
+    sent(RynDrvConnectLogicalDevice_16(kPhysical, 1, 0, 2), 0x813, 32, 12, {kPhysical, 1, 0, 2});
+    sent(RynDrvDisconnectLogicalDevice_16(kPipe, 1, kLogical, 2), 0x814, 32, 12, {kPipe, 1, kLogical, 2});
+    // The data area is 32..543, its length at 544; no data means length 0.
     const uint8_t data[3] = {0xA1, 0xA2, 0xA3};
-    EXPECT_EQ(RynDrvConnectPipe_24(kPipe, 1, kPhysical, 2, data, 3), 0u);
-    EXPECT_EQ(RynDrvConnectPipe_24(kPipe, 1, kPhysical, 2, nullptr, -5), 0u);
-    std::vector<uint8_t> full(512, 0x5A);
-    EXPECT_EQ(RynDrvConnectPipe_24(kPipe, 1, kPhysical, 2, full.data(), 512), 0u);
-    const auto requests = driver.requests();
-    ASSERT_EQ(requests.size(), 3u);
-    EXPECT_EQ(requests[0].code, 0x22203Cu);
-    ASSERT_EQ(requests[0].input.size(), 548u);
-    EXPECT_EQ(requests[0].word(28), 2u);
-    EXPECT_EQ(requests[0].input[32], 0xA1);
-    EXPECT_EQ(requests[0].input[34], 0xA3);
-    EXPECT_EQ(requests[0].input[35], 0);
-    EXPECT_EQ(requests[0].word(544), 3u);
-    EXPECT_EQ(requests[1].word(544), 0u);
-    EXPECT_EQ(requests[2].input[543], 0x5A);
-    EXPECT_EQ(requests[2].word(544), 512u);
+    const std::vector<uint8_t> full(512, 0x5A);
+    sent(RynDrvConnectPipe_24(kPipe, 1, kPhysical, 2, data, 3), 0x80F, 548, 12, {kPipe, 1, kPhysical, 2, 0x00A3A2A1});
+    EXPECT_EQ(driver.lastRequest().word(544), 3u);
+    sent(RynDrvConnectPipe_24(kPipe, 1, kPhysical, 2, nullptr, -5), 0x80F, 548, 12, {0, 0}, 540);
+    sent(RynDrvConnectPipe_24(kPipe, 1, kPhysical, 2, full.data(), 512), 0x80F, 548, 12, {0x5A5A5A5A, 512}, 540);
+    sent(RynDrvDisconnectPipe_8(kPipe, 3), 0x810, 24, 12, {kPipe, 3});
+    sent(RynDrvConnectBoard_8(kOther, 0x30000000), 0x820, 24, 12, {kOther, 0x30000000});
+    sent(RynDrvEnable_12(0x50000000, 1, 2), 0x80C, 28, 12, {0x50000000, 1, 2});
+    sent(RynDrvDisable_12(kPhysical, 1, 2), 0x80D, 28, 12, {kPhysical, 1, 2});
+    sent(RynDrvGetState_8(kOther, &value), 0x816, 20, 16, {kOther});
+    sent(RynDrvReset_4(0xF0000001), 0x80E, 20, 12, {0xF0000001});  // reset only refuses 0
+    sent(RynDrvClose_4(kOther), 0x811, 20, 12, {kOther});
 }
 
-TEST_F(DeviceCalls, EnumerationAndStateOutValues) {
-    int32_t iterator = 5;
-    EXPECT_EQ(RynDrvIteratorBegin_4(&iterator), 0u);
-    EXPECT_EQ(RynDrvIsIteratorEnd_4(&iterator), 1);
-    int32_t type = 0;
-    driver.script(ScriptedReply{}.word(8, static_cast<uint32_t>(-16)).word(12, 0xFFFFFFFF).word(16, 0xB5000101));
-    EXPECT_EQ(RynDrvEnumDeviceType_12(kPhysical, &iterator, &type), 0xB5000101u);
-    EXPECT_EQ(type, -16);  // written whatever the result
-    EXPECT_EQ(iterator, -1);
+// Which out-value each call writes from its reply, and when; 0x1234 is "not written".
+TEST_F(DeviceCalls, OutValuesByResult) {
+    const auto reply = [](uint32_t value, ResultCode result) {
+        return ScriptedReply{}.word(8, value).word(12, result);
+    };
+    // Enumeration replies carry the value at 8, the iterator at 12 and the result at 16.
+    const ScriptedReply enumeration = reply(u32(-16), 5).word(16, 0xB5000101);
+    const std::tuple<ScriptedReply, ResultCode, uint32_t> expected[] = {
+        {reply(kPhysical, 0), 0, kPhysical},
+        {reply(kPhysical, 0xB5000105), 0xB5000105, 0xFFFFFFFF},
+        // The device-handle reply has its result at 4 and its own transport codes.
+        {ScriptedReply{}.word(4, 0).word(8, kLogical), 0, kLogical},
+        {ryn::test::failedCall(0), 0xC300BC0D, 0xFFFFFFFF},
+        {ryn::test::failedCall(12), 0xC300B90D, 0x1234},  // no out pointer
+        {reply(kLogical, 0), 0, kLogical},
+        {reply(kLogical, 0xB5000101), 0xB5000101, 0x1234},
+        {reply(kPipe, 0xB5000101), 0xB5000101, kPipe},
+        {reply(3, 0xB5000102), 0xB5000102, 3},
+        {enumeration, 0xB5000101, u32(-16)},
+        {enumeration, 0xB5000101, u32(-16)},
+    };
+    for (const auto &row : expected) driver.script(std::get<0>(row));
+    uint32_t out[std::size(expected)];
+    std::fill(std::begin(out), std::end(out), 0x1234);
+    int32_t iterators[2] = {};
+    const ResultCode results[] = {
+        RynDrvOpenPhysicalDevice_24(1, 2, 3, 4, 5, &out[0]),
+        RynDrvOpenPhysicalDevice_24(1, 2, 3, 4, 5, &out[1]),
+        RynDrvGetDeviceHandle_16(kPhysical, -3, 77, &out[2]),
+        RynDrvGetDeviceHandle_16(kPhysical, -3, 77, &out[3]),
+        RynDrvGetDeviceHandle_16(kPhysical, -3, 77, nullptr),
+        RynDrvCreateLogicalDevice_20(kPhysical, -20, 3, 4, &out[5]),
+        RynDrvCreateLogicalDevice_20(kPhysical, -20, 3, 4, &out[6]),
+        RynDrvCreatePipe_8(9, &out[7]),
+        RynDrvGetState_8(kOther, &out[8]),
+        RynDrvEnumDevice_16(kPhysical, -2, &iterators[0], &out[9]),
+        RynDrvEnumDeviceType_12(kPhysical, &iterators[1], reinterpret_cast<int32_t *>(&out[10])),
+    };
+    for (size_t i = 0; i < std::size(expected); ++i) {
+        EXPECT_EQ(results[i], std::get<1>(expected[i])) << i;
+        EXPECT_EQ(out[i], std::get<2>(expected[i])) << i;
+    }
+    EXPECT_EQ(iterators[0], 5);
+    EXPECT_EQ(iterators[1], 5);
+
+    int32_t iterator = -1;  // the end mark
     EXPECT_EQ(RynDrvIsIteratorEnd_4(&iterator), 0);
-    EXPECT_EQ(driver.lastRequest().word(20), 0u);
-
-    uint32_t id = 0;
-    iterator = 4;
-    driver.script(ScriptedReply{}.word(8, 42).word(12, 5));
-    EXPECT_EQ(RynDrvEnumDevice_16(kPhysical, -2, &iterator, &id), 0u);
-    EXPECT_EQ(id, 42u);
-    EXPECT_EQ(iterator, 5);
-    EXPECT_EQ(driver.lastRequest().word(24), 4u);
-
-    uint32_t state = 0;
-    driver.script(ScriptedReply{}.word(8, 3).word(12, 0xB5000102));
-    EXPECT_EQ(RynDrvGetState_8(kOther, &state), 0xB5000102u);
-    EXPECT_EQ(state, 3u);
-}
-
-TEST_F(DeviceCalls, UndecoratedFormsTranslateDeviceTypes) {
-    ryn::setDriverVersionLevel(10130);
-    int32_t iterator = 0, type = 0;
-    driver.script(ScriptedReply{}.word(8, static_cast<uint32_t>(-30)));
-    EXPECT_EQ(RynDrvEnumDeviceType(kPhysical, &iterator, &type), 0u);
-    EXPECT_EQ(type, -32);
-    DeviceHandle logical = 0;
-    EXPECT_EQ(RynDrvCreateLogicalDevice(kPhysical, -17, 0, 0, &logical), 0u);
-    EXPECT_EQ(driver.lastRequest().word(20), static_cast<uint32_t>(-16));
-    EXPECT_EQ(RynDrvGetDeviceHandle(kPhysical, -42, 0, nullptr), 0u);
-    EXPECT_EQ(driver.lastRequest().word(16), static_cast<uint32_t>(-40));
-    uint32_t id = 0;
-    EXPECT_EQ(RynDrvEnumDevice(kPhysical, -31, &iterator, &id), 0u);
-    EXPECT_EQ(driver.lastRequest().word(20), static_cast<uint32_t>(-31));
-    EXPECT_EQ(RynDrvClose(0), 0x8000000Bu);  // library codes are reduced at this level
+    EXPECT_EQ(RynDrvIteratorBegin_4(&iterator), 0u);
+    EXPECT_EQ(iterator, 0);
+    EXPECT_EQ(RynDrvIsIteratorEnd_4(&iterator), 1);
 }
 
 }  // namespace

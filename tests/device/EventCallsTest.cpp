@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
+#include <vector>
 
 #include "RynHwDll.h"
 #include "support/ConnectedTest.h"
@@ -11,132 +13,105 @@ using ryn::test::ScriptedReply;
 
 using DriverEventCalls = ryn::test::ConnectedTest;
 
-TEST_F(DriverEventCalls, SetDataRequestsDifferOnlyInWordsZeroAndOne) {
-    EXPECT_EQ(RynDrvSetEventData_28(0x20000001, 2, 3, 4, 5, 6, 7), 0u);
-    EXPECT_EQ(RynDrvSetEventDataEx_36(0x20000001, 2, 3, 4, 5, 6, 7, 0xA0, 0xA1), 0u);
-    const auto requests = driver.requests();
-    ASSERT_EQ(requests.size(), 2u);
-    EXPECT_EQ(requests[0].code, 0x222348u);
-    EXPECT_EQ(requests[1].code, 0x222354u);
-    ASSERT_EQ(requests[0].input.size(), 52u);
-    ASSERT_EQ(requests[1].input.size(), 52u);
-    for (size_t offset = 0; offset < 52; offset += 4) {
-        if (offset == 20 || offset == 24) continue;
-        EXPECT_EQ(requests[0].word(offset), requests[1].word(offset)) << offset;
-    }
-    EXPECT_EQ(requests[1].word(20), 0xA0u);
-    EXPECT_EQ(requests[1].word(24), 0xA1u);
-    EXPECT_EQ(requests[0].word(28), 2u);
-    EXPECT_EQ(requests[0].word(48), 7u);
-}
+constexpr DeviceHandle kDevice = 0x10000001, kLogical = 0x20000001;
 
-TEST_F(DriverEventCalls, EventTextSwappedArgumentsAndBoundedCopy) {
-    ScriptedReply reply;
-    reply.bytes.emplace_back(8, std::vector<uint8_t>{'o', 'f', 'f', ' ', 'h', 'o', 'o', 'k', 0});
-    driver.script(reply);
+TEST_F(DriverEventCalls, RequestLayouts) {
+    // Checks that a call succeeded and sent one more request: its function,
+    // request and reply lengths, and the 32-bit fields from `start` on.
+    size_t count = 0;
+    const auto sent = [&](ResultCode result, uint32_t function, size_t inputLength, uint32_t outputLength,
+                          std::vector<uint32_t> fields, size_t start = 16) {
+        const auto request = driver.lastRequest();
+        std::vector<uint32_t> got;
+        for (size_t i = 0; i < fields.size(); ++i) got.push_back(request.word(start + 4 * i));
+        EXPECT_EQ(std::tuple(result, driver.requestCount(), request.function(), request.input.size(),
+                             request.outputLength, got),
+                  std::tuple(0u, ++count, function, inputLength, outputLength, fields));
+    };
+    // A caller buffer travels as a 1-based reference into the listed buffers
+    // (as its address in a 32-bit process).
+    const auto reference = [](const void *buffer) {
+        return sizeof(void *) == 4 ? static_cast<uint32_t>(reinterpret_cast<uintptr_t>(buffer)) : 1u;
+    };
+    EventData records[4] = {};
+    DeviceHandle queue = 0;
+    uint32_t value = 0;
+    uint64_t time = 0;
     char text[256];
-    std::memset(text, 'X', sizeof text);
-    EXPECT_EQ(RynDrvEventCode2String_16(0x10000001, 0x55, 0x66, text), 0u);
-    EXPECT_STREQ(text, "off hook");
-    const auto sent = driver.lastRequest();
-    EXPECT_EQ(sent.code, 0x222048u);
-    EXPECT_EQ(sent.input.size(), 28u);
-    EXPECT_EQ(sent.outputLength, 268u);
-    EXPECT_EQ(sent.word(20), 0x66u);
-    EXPECT_EQ(sent.word(24), 0x55u);
-
-    // A reply text without terminator is cut to 255 characters and terminated.
-    ScriptedReply unterminated;
-    unterminated.bytes.emplace_back(8, std::vector<uint8_t>(256, 'z'));
-    driver.script(unterminated);
-    std::memset(text, 'X', sizeof text);
-    EXPECT_EQ(RynDrvEventCode2String_16(0x10000001, 1, 2, text), 0u);
-    EXPECT_EQ(std::strlen(text), 255u);
-
-    driver.script(ryn::test::failedCall(0));
-    EXPECT_EQ(RynDrvEventCode2String_16(0x10000001, 1, 2, text), 0xC300AD0Du);
-    EXPECT_EQ(text[0], '\0');
+    // Set-data: words 0 and 1 at 20 and 24 (zero without Ex), words 2 to 7 after them.
+    sent(RynDrvSetEventData_28(kLogical, 2, 3, 4, 5, 6, 7), 0x8D2, 52, 12, {kLogical, 0, 0, 2, 3, 4, 5, 6, 7});
+    sent(RynDrvSetEventDataEx_36(kLogical, 2, 3, 4, 5, 6, 7, 0xA0, 0xA1), 0x8D5, 52, 12,
+         {kLogical, 0xA0, 0xA1, 2, 3, 4, 5, 6, 7});
+    sent(RynDrvGetEventData_8(kLogical, records), 0x8D3, 20, 44, {kLogical});
+    // The driver writes the records into the caller's array.
+    sent(RynDrvGetEventDataEx_16(kLogical, records, 4, &value), 0x8D4, 28, 16, {kLogical, reference(records), 4});
+    const RynDriverBuffer array = driver.lastRequest().buffers.at(0);
+    EXPECT_EQ(std::tuple(array.address, array.length), std::tuple(records, 128u));
+    // The event code and the third argument change places.
+    sent(RynDrvEventCode2String_16(kDevice, 0x55, 0x66, text), 0x812, 28, 268, {kDevice, 0x66, 0x55});
+    sent(RynDrvCreateEventQueue_12(7, 8, &queue), 0x873, 28, 16, {7, 8, connection});
+    sent(RynDrvPollEvents_4(0x60000000), 0x875, 20, 12, {0x60000000});
+    sent(RynDrvReadReg8_12(kDevice, 0x40, &value), 0x81C, 24, 16, {kDevice, 0x40});
+    sent(RynDrvReadReg16_12(kDevice, 0x40, &value), 0x81D, 24, 16, {kDevice, 0x40});
+    sent(RynDrvReadReg32_12(kDevice, 0x40, &value), 0x822, 24, 16, {kDevice, 0x40});
+    sent(RynDrvWriteReg8_12(kDevice, 0x42, 0x1ABCD), 0x81E, 28, 12, {kDevice, 0x42, 0x1ABCD});
+    sent(RynDrvWriteReg16_12(kDevice, 0x42, 0x1ABCD), 0x81F, 28, 12, {kDevice, 0x42, 0x1ABCD});
+    sent(RynDrvWriteReg32_12(kDevice, 0x42, 0x1ABCD), 0x821, 28, 12, {kDevice, 0x42, 0x1ABCD});
+    sent(RynStartWatchdogTimer_4(0xFFFF), 0x815, 20, 12, {0});  // the argument is not sent
+    sent(RynDrvGetCurrentTime_4(&time), 0x877, 20, 20, {RYN_DRIVER_PSEUDO_HANDLE});
+    // The driver writes the text into the caller's buffer.
+    sent(RynDrvResultCode2String_16(kDevice, 0xC300AA0D, text, 64), 0x81B, 32, 12,
+         {kDevice, 0xC300AA0D, 64, reference(text)});
+    const RynDriverBuffer textBuffer = driver.lastRequest().buffers.at(0);
+    EXPECT_EQ(std::tuple(textBuffer.address, textBuffer.length), std::tuple(text, 64u));
 }
 
-TEST_F(DriverEventCalls, RecordsQueuesAndPolling) {
+TEST_F(DriverEventCalls, RepliesCopiedOutWhateverTheResult) {
     ScriptedReply record;
     for (uint32_t w = 0; w < 8; ++w) record.word(8 + 4 * w, 0x100 + w);
-    record.word(40, 0xB5000101);
-    driver.script(record);
-    EventData data{};
-    EXPECT_EQ(RynDrvGetEventData_8(0x20000001, &data), 0xB5000101u);
-    EXPECT_EQ(data.word[0], 0x100u);
-    EXPECT_EQ(data.word[7], 0x107u);  // copied whatever the result
-    EXPECT_EQ(driver.lastRequest().code, 0x22234Cu);
-
-    EventData records[4] = {};
-    uint32_t count = 0;
-    driver.script(ScriptedReply{}.word(8, 3));
-    EXPECT_EQ(RynDrvGetEventDataEx_16(0x20000001, records, 4, &count), 0u);
-    EXPECT_EQ(count, 3u);
-    auto sent = driver.lastRequest();
-    EXPECT_EQ(sent.word(24), 4u);
-    ASSERT_EQ(sent.buffers.size(), 1u);
-    EXPECT_EQ(sent.buffers[0].address, records);
-    EXPECT_EQ(sent.buffers[0].length, 128u);
-
-    DeviceHandle queue = 0;
+    driver.script(record.word(40, 0xB5000101));
+    driver.script(ScriptedReply{}.word(8, 3).word(12, 0xB5000101));
     driver.script(ScriptedReply{}.word(8, 0x30000009).word(12, 0xB5000102));
-    EXPECT_EQ(RynDrvCreateEventQueue_12(7, 8, &queue), 0xB5000102u);
-    EXPECT_EQ(queue, 0x30000009u);
-    sent = driver.lastRequest();
-    EXPECT_EQ(sent.word(24), connection);
-
-    EXPECT_EQ(RynResultErrorCode(RynDrvPollEvents_4(0x70000000)), 11u);
-    EXPECT_EQ(RynDrvPollEvents_4(0x60000000), 0u);
-}
-
-TEST_F(DriverEventCalls, UndecoratedFormsTranslateWordTwo) {
-    ryn::setDriverVersionLevel(10130);
-    driver.script(ScriptedReply{}.word(16, static_cast<uint32_t>(-16)));
-    EventData data{};
-    EXPECT_EQ(RynDrvGetEventData(0x20000001, &data), 0u);
-    EXPECT_EQ(static_cast<int32_t>(data.word[2]), -17);
-
-    EventData records[2] = {};
-    records[0].word[2] = static_cast<uint32_t>(-30);  // as the driver would have written it
-    uint32_t count = 0;
-    EXPECT_EQ(RynDrvGetEventDataEx(0x20000001, records, 2, &count), 0u);
-    EXPECT_EQ(static_cast<int32_t>(records[0].word[2]), -32);
-}
-
-TEST_F(DriverEventCalls, RegisterRequests) {
-    uint32_t value = 0;
-    driver.script(ScriptedReply{}.word(8, 0x12345678));
-    EXPECT_EQ(RynDrvReadReg8_12(0x10000001, 0x40, &value), 0u);
-    EXPECT_EQ(value, 0x12345678u);  // a full word even for an 8-bit register
-    EXPECT_EQ(RynDrvWriteReg16_12(0x10000001, 0x42, 0x1ABCD), 0u);
-    EXPECT_EQ(driver.lastRequest().word(24), 0x1ABCDu);
-    EXPECT_EQ(driver.lastRequest().code, 0x22207Cu);
-    EXPECT_EQ(RynStartWatchdogTimer_4(1), 0u);
-    EXPECT_EQ(RynStartWatchdogTimer_4(0xFFFF), 0u);
-    auto requests = driver.requests();
-    EXPECT_EQ(requests[2].input, requests[3].input);
-    EXPECT_EQ(requests[2].input.size(), 20u);
-
-    char text[64];
-    EXPECT_EQ(RynDrvResultCode2String_16(0x10000001, 0xC300AA0D, text, sizeof text), 0u);
-    auto sent = driver.lastRequest();
-    EXPECT_EQ(sent.code, 0x22206Cu);
-    EXPECT_EQ(sent.word(20), 0xC300AA0Du);
-    EXPECT_EQ(sent.word(24), 64u);
-    if (sizeof(void *) == 8) {
-        EXPECT_EQ(sent.word(28), 1u);  // a reference to the first listed buffer
-    }
-    ASSERT_EQ(sent.buffers.size(), 1u);
-    EXPECT_EQ(sent.buffers[0].address, text);
-
-    uint64_t time = 0;
+    driver.script(ScriptedReply{}.word(8, 0x12345678).word(12, 0xB5000102));
     driver.script(ScriptedReply{}.word(8, 0xD53E8000).word(12, 0x019DB1DE));
+    EventData data{};
+    uint32_t count = 0, value = 0;
+    DeviceHandle queue = 0;
+    uint64_t time = 0;
+    EXPECT_EQ(RynDrvGetEventData_8(kLogical, &data), 0xB5000101u);
+    EXPECT_EQ(RynDrvGetEventDataEx_16(kLogical, &data, 1, &count), 0xB5000101u);
+    EXPECT_EQ(RynDrvCreateEventQueue_12(7, 8, &queue), 0xB5000102u);
+    EXPECT_EQ(RynDrvReadReg8_12(kDevice, 0x40, &value), 0xB5000102u);
+    // A register read copies a full word, even for an 8-bit register.
+    EXPECT_EQ(std::tuple(data.word[0], data.word[7], count, queue, value),
+              std::tuple(0x100u, 0x107u, 3u, 0x30000009u, 0x12345678u));
     EXPECT_EQ(RynDrvGetCurrentTime_4(&time), 0u);
-    EXPECT_EQ(time, 116444736000000000ull);
-    EXPECT_EQ((time - 116444736000000000ull) / 10000000ull, 0u);  // 1 January 1970
-    EXPECT_EQ(driver.lastRequest().code, 0x2221DCu);
+    EXPECT_EQ(time, 116444736000000000ull);  // 1 January 1970, the low word first
+}
+
+TEST_F(DriverEventCalls, EventTextBoundedCopyAndPollKinds) {
+    ScriptedReply reply, unterminated;
+    reply.bytes.emplace_back(8, std::vector<uint8_t>{'o', 'f', 'f', ' ', 'h', 'o', 'o', 'k', 0});
+    unterminated.bytes.emplace_back(8, std::vector<uint8_t>(256, 'z'));
+    driver.script(reply);
+    driver.script(unterminated);
+    driver.script(ryn::test::failedCall(0));
+    char text[256];
+    EXPECT_EQ(RynDrvEventCode2String_16(kDevice, 1, 2, text), 0u);
+    EXPECT_STREQ(text, "off hook");
+    // A reply text without terminator is cut to 255 characters and terminated.
+    std::memset(text, 'X', sizeof text);
+    EXPECT_EQ(RynDrvEventCode2String_16(kDevice, 1, 2, text), 0u);
+    EXPECT_EQ(std::strlen(text), 255u);
+    EXPECT_EQ(RynDrvEventCode2String_16(kDevice, 1, 2, text), 0xC300AD0Du);
+    EXPECT_EQ(text[0], '\0');
+
+    // Polling takes driver objects only: kinds 0x1 to 0x6.
+    driver.clear();
+    EXPECT_EQ(RynResultErrorCode(RynDrvPollEvents_4(0x0FFFFFFF)), 11u);
+    EXPECT_EQ(RynResultErrorCode(RynDrvPollEvents_4(0x70000000)), 11u);
+    EXPECT_EQ(driver.requestCount(), 0u);
+    EXPECT_EQ(RynDrvPollEvents_4(0x10000000), 0u);
 }
 
 }  // namespace
