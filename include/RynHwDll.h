@@ -423,6 +423,41 @@ RYN_ENTRY(ResultCode, RynHdlcSenderFlush, 4, (DeviceHandle handle))
 
 /* ---- Raw data and burst transfer ----------------------------------------- */
 
+/* Raw data travel by address: the driver reads from, or writes into, the
+ * caller's buffer while the call runs. A send block is shorter than 8192
+ * bytes (else error 9). The idle-pattern calls are not provided (error 6,
+ * nothing sent). */
+RYN_ENTRY(ResultCode, RynRawDataSenderInit, 16, (DeviceHandle handle, uint32_t param1, uint8_t param2, uint32_t param3))
+RYN_ENTRY(ResultCode, RynRawDataReceiverInit, 20,
+          (DeviceHandle handle, uint32_t param1, uint8_t param2, uint32_t param3, uint32_t param4))
+RYN_ENTRY(ResultCode, RynRawDataSendData, 20,
+          (DeviceHandle handle, const void *data, uint32_t length, uint32_t param3, uint32_t param4))
+/* length receives the driver's received length (not compared with
+ * bufferSize) and param4 its second value, whatever the result. */
+RYN_ENTRY(ResultCode, RynRawDataReadData, 20,
+          (DeviceHandle handle, void *buffer, uint32_t bufferSize, uint32_t *length, uint32_t *param4))
+RYN_ENTRY(ResultCode, RynRawDataSenderFlush, 4, (DeviceHandle handle))
+RYN_ENTRY_DECORATED(ResultCode, RynRawDataSenderInitEx, 20,
+                    (DeviceHandle handle, uint32_t param1, uint32_t param2, uint8_t param3, uint32_t param4))
+RYN_ENTRY(ResultCode, RynRawDataStartIdlePattern, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynRawDataStopIdlePattern, 4, (DeviceHandle handle))
+
+/* Burst data travel by value, copied once per call. Send and preload: length
+ * holds the byte count to send, then the driver's count. Read: length holds
+ * the capacity of buffer, then the byte count received; param5 and param6
+ * (may be null) receive the driver's two values. A null data, buffer or
+ * length gives error 10, a length within 28 (send) or 32 (read) of 2^32
+ * error 9, a block that cannot be allocated error 7, a reply claiming more
+ * than the capacity error 5 (nothing is copied then). */
+RYN_ENTRY(ResultCode, RynBurstSendData, 16, (DeviceHandle handle, uint32_t param1, const void *data, uint32_t *length))
+RYN_ENTRY(ResultCode, RynBurstInitSendBuffer, 16,
+          (DeviceHandle handle, uint32_t param1, const void *data, uint32_t *length))
+RYN_ENTRY(ResultCode, RynBurstReadDataEx, 24,
+          (DeviceHandle handle, uint32_t param1, void *buffer, uint32_t *length, uint64_t *param5, uint64_t *param6))
+RYN_ENTRY(ResultCode, RynBurstReadData, 16, (DeviceHandle handle, uint32_t param1, void *buffer, uint32_t *length))
+RYN_ENTRY_DECORATED(ResultCode, RynBurstReceiveData, 16,
+                    (DeviceHandle handle, uint32_t param1, void *buffer, uint32_t *length))
+
 /* ---- Tone generators and diallers ---------------------------------------- */
 
 /* ---- Tone detectors ------------------------------------------------------ */

@@ -1,0 +1,119 @@
+// Burst channel: blocks that travel inside the request and the reply
+// themselves. Each call allocates one heap block sized for the fixed fields
+// plus the data, copies the data once (into the request, or out of the
+// reply) and releases the block before it returns.
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "core/ResultCode.h"
+#include "core/Transport.h"
+
+namespace ryn {
+namespace {
+
+constexpr uint8_t kSourceId = source::kBurst;
+
+// Send request: header, handle at 16, param1 at 20, length at 24, the data
+// at 28. Send reply: header, count at 8, ResultCode at 12.
+constexpr uint32_t kSendHead = 28;
+// Read request: header, handle at 16, param1 at 20, capacity at 24. Read
+// reply: header, count at 8, two 8-byte values at 12 and 20, ResultCode at
+// 28, the data at 32.
+constexpr uint32_t kReadHead = 32;
+
+struct FreeBlock {
+    void operator()(uint8_t *block) const { std::free(block); }
+};
+using Block = std::unique_ptr<uint8_t[], FreeBlock>;
+
+// A block of `length` bytes, or null when the memory cannot be had. A reply
+// block starts zero-filled, so that no byte the driver did not write can
+// reach the caller; a request block is left as it comes, since everything
+// past its header is written before it is sent.
+Block allocateReply(uint32_t length) { return Block(static_cast<uint8_t *>(std::calloc(1, length))); }
+Block allocateRequest(uint32_t length) { return Block(static_cast<uint8_t *>(std::malloc(length))); }
+
+// Sending and preloading the send buffer differ only in the function.
+ResultCode sendBlock(uint32_t function, DeviceHandle handle, uint32_t param1, const void *data, uint32_t *length) {
+    if (data == nullptr) return RYN_FAILURE(kErrNullPointer);
+    if (length == nullptr) return RYN_FAILURE(kErrNullPointer);
+    const uint32_t dataLength = *length;
+    // The block length must fit 32 bits with the fixed fields.
+    if (dataLength > UINT32_MAX - kSendHead) return RYN_FAILURE(kErrRange);
+    const uint32_t requestLength = dataLength + kSendHead;
+    Block request = allocateRequest(requestLength);
+    if (request == nullptr) return RYN_FAILURE(kErrNoTransferMemory);
+    std::memset(request.get(), 0, 16);  // the reserved header
+    store32(request.get() + 16, handle);
+    store32(request.get() + 20, param1);
+    store32(request.get() + 24, dataLength);
+    std::memcpy(request.get() + kSendHead, data, dataLength);
+
+    uint8_t reply[16] = {};
+    const ResultCode result = exchange(function, {request.get(), requestLength}, reply, 12);
+    *length = load32(reply + 8);
+    return result;
+}
+
+}  // namespace
+}  // namespace ryn
+
+using namespace ryn;
+
+extern "C" {
+
+// `length` holds the number of bytes to send, then the driver's count.
+ResultCode RYN_DECORATED(RynBurstSendData, 16)(DeviceHandle handle, uint32_t param1, const void *data,
+                                               uint32_t *length) {
+    return sendBlock(0x99A, handle, param1, data, length);
+}
+
+ResultCode RYN_DECORATED(RynBurstInitSendBuffer, 16)(DeviceHandle handle, uint32_t param1, const void *data,
+                                                     uint32_t *length) {
+    return sendBlock(0x99C, handle, param1, data, length);
+}
+
+// `length` holds the capacity of `buffer`, then the number of bytes received.
+ResultCode RYN_DECORATED(RynBurstReadDataEx, 24)(DeviceHandle handle, uint32_t param1, void *buffer, uint32_t *length,
+                                                 uint64_t *param5, uint64_t *param6) {
+    if (buffer == nullptr) return RYN_FAILURE(kErrNullPointer);
+    if (length == nullptr) return RYN_FAILURE(kErrNullPointer);
+    const uint32_t capacity = *length;
+    if (capacity > UINT32_MAX - kReadHead) return RYN_FAILURE(kErrRange);
+    const uint32_t replyLength = capacity + kReadHead;
+    Block reply = allocateReply(replyLength);
+    if (reply == nullptr) return RYN_FAILURE(kErrNoTransferMemory);
+
+    uint8_t request[28] = {};
+    store32(request + 16, handle);
+    store32(request + 20, param1);
+    store32(request + 24, capacity);
+    bool answered = false;
+    const ResultCode result =
+        exchange(0x99B, request, {reply.get(), replyLength}, 28, kStandardTransport, {}, &answered);
+    // Without an answer the reply holds nothing: no data and no values,
+    // whatever a failing driver may have left in the block.
+    if (!answered) std::memset(reply.get() + 8, 0, 20);
+
+    // The count is checked against the capacity before any byte is copied.
+    const uint32_t count = load32(reply.get() + 8);
+    if (count > capacity) return RYN_FAILURE(kErrBadData);
+    std::memcpy(buffer, reply.get() + kReadHead, count);
+    *length = count;
+    if (param5 != nullptr) std::memcpy(param5, reply.get() + 12, 8);
+    if (param6 != nullptr) std::memcpy(param6, reply.get() + 20, 8);
+    return result;
+}
+
+ResultCode RYN_DECORATED(RynBurstReadData, 16)(DeviceHandle handle, uint32_t param1, void *buffer, uint32_t *length) {
+    return RYN_DECORATED(RynBurstReadDataEx, 24)(handle, param1, buffer, length, nullptr, nullptr);
+}
+
+ResultCode RYN_DECORATED(RynBurstReceiveData, 16)(DeviceHandle handle, uint32_t param1, void *buffer,
+                                                  uint32_t *length) {
+    return RYN_DECORATED(RynBurstReadData, 16)(handle, param1, buffer, length);
+}
+
+}  // extern "C"
