@@ -52,18 +52,7 @@ TEST(LibraryAttributes, ValuesTypesAndBufferLengthRules) {
 using DriverAttributes = ryn::test::ConnectedTest;
 
 TEST_F(DriverAttributes, RequestLayouts) {
-    // Checks that a call succeeded and sent one more request: its function,
-    // request and reply lengths, and the 32-bit fields from `start` on.
-    size_t count = 0;
-    const auto sent = [&](ResultCode result, uint32_t function, size_t inputLength, uint32_t outputLength,
-                          std::vector<uint32_t> fields, size_t start = 16) {
-        const auto request = driver.lastRequest();
-        std::vector<uint32_t> got;
-        for (size_t i = 0; i < fields.size(); ++i) got.push_back(request.word(start + 4 * i));
-        EXPECT_EQ(std::tuple(result, driver.requestCount(), request.function(), request.input.size(),
-                             request.outputLength, got),
-                  std::tuple(0u, ++count, function, inputLength, outputLength, fields));
-    };
+    ryn::test::SentRequests sent(driver);
     uint32_t type = 0, size = 0, flags = 0;
     sent(RynDrvGetAttributeType_20(kDevice, 7, &type, &size, &flags), 0x817, 24, 24, {kDevice, 7});
     // The value reply holds the value after a 16-byte head and the set request

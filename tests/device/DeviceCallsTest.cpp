@@ -45,18 +45,7 @@ TEST_F(DeviceCalls, RefusedChecksSendNothingAndWriteNothing) {
 
 // Every handle here is of a kind the call accepts.
 TEST_F(DeviceCalls, RequestLayouts) {
-    // Checks that a call succeeded and sent one more request: its function,
-    // request and reply lengths, and the 32-bit fields from `start` on.
-    size_t count = 0;
-    const auto sent = [&](ResultCode result, uint32_t function, size_t inputLength, uint32_t outputLength,
-                          std::vector<uint32_t> fields, size_t start = 16) {
-        const auto request = driver.lastRequest();
-        std::vector<uint32_t> got;
-        for (size_t i = 0; i < fields.size(); ++i) got.push_back(request.word(start + 4 * i));
-        EXPECT_EQ(std::tuple(result, driver.requestCount(), request.function(), request.input.size(),
-                             request.outputLength, got),
-                  std::tuple(0u, ++count, function, inputLength, outputLength, fields));
-    };
+    ryn::test::SentRequests sent(driver);
     DeviceHandle handle = 0;
     uint32_t value = 0;
     int32_t iterator = 4, type = 0;

@@ -16,18 +16,7 @@ using DriverEventCalls = ryn::test::ConnectedTest;
 constexpr DeviceHandle kDevice = 0x10000001, kLogical = 0x20000001;
 
 TEST_F(DriverEventCalls, RequestLayouts) {
-    // Checks that a call succeeded and sent one more request: its function,
-    // request and reply lengths, and the 32-bit fields from `start` on.
-    size_t count = 0;
-    const auto sent = [&](ResultCode result, uint32_t function, size_t inputLength, uint32_t outputLength,
-                          std::vector<uint32_t> fields, size_t start = 16) {
-        const auto request = driver.lastRequest();
-        std::vector<uint32_t> got;
-        for (size_t i = 0; i < fields.size(); ++i) got.push_back(request.word(start + 4 * i));
-        EXPECT_EQ(std::tuple(result, driver.requestCount(), request.function(), request.input.size(),
-                             request.outputLength, got),
-                  std::tuple(0u, ++count, function, inputLength, outputLength, fields));
-    };
+    ryn::test::SentRequests sent(driver);
     // A caller buffer travels as a 1-based reference into the listed buffers
     // (as its address in a 32-bit process).
     const auto reference = [](const void *buffer) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <tuple>
 #include <vector>
 
 #include "core/Compat.h"
@@ -56,5 +57,26 @@ inline void expectLayouts(FakeDriver &driver, const std::vector<LayoutRow> &rows
         expectFields(request, row.fields);
     }
 }
+
+// Checks, call after call, that each call succeeded and sent one more
+// request: its function, request and reply lengths, and the 32-bit fields
+// from `start` on.
+class SentRequests {
+public:
+    explicit SentRequests(FakeDriver &driver) : driver_(driver), count_(driver.requestCount()) {}
+    void operator()(ResultCode result, uint32_t function, size_t inputLength, uint32_t outputLength,
+                    const std::vector<uint32_t> &fields, size_t start = 16) {
+        const RecordedRequest request = driver_.lastRequest();
+        std::vector<uint32_t> got;
+        for (size_t i = 0; i < fields.size(); ++i) got.push_back(request.word(start + 4 * i));
+        EXPECT_EQ(std::tuple(result, driver_.requestCount(), request.function(), request.input.size(),
+                             request.outputLength, got),
+                  std::tuple(0u, ++count_, function, inputLength, outputLength, fields));
+    }
+
+private:
+    FakeDriver &driver_;
+    size_t count_;
+};
 
 }  // namespace ryn::test
