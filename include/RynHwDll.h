@@ -464,6 +464,80 @@ RYN_ENTRY_DECORATED(ResultCode, RynBurstReceiveData, 16,
 
 /* ---- Telephony blocks ---------------------------------------------------- */
 
+/* Every call takes the block's logical-device handle (kind 2, else error 11,
+ * nothing sent). Settings (paramN, settingN, table words, lists, steps) pass
+ * to the block unchanged. A null list with a positive count, or a null
+ * status, parameter block, configuration, value list, segment array or
+ * segment steps that would be read, gives error 10 and nothing is sent. */
+
+/* The caller's structures of the extended call-progress tone detector
+ * set-up, read field by field (in 32-bit builds CptSegment is 8 bytes,
+ * CptToneTable 44 and CptDetectorConfig 16). */
+typedef struct CptSegment {
+    uint16_t segmentId;
+    uint16_t stepCount;    /* low 8 bits: number of steps (0..255) */
+    const uint16_t *steps; /* (stepCount & 0xFF) steps of 3 + (valueCount + 3) / 4 words each */
+} CptSegment;
+RYN_STATIC_ASSERT(sizeof(CptSegment) == 2 * sizeof(void *), CptSegment_is_naturally_aligned);
+
+typedef struct CptToneTable {
+    const uint16_t *values; /* valueCount words, valueCount 1..32 */
+    uint16_t tableSetting;
+    uint16_t unused;            /* not read by the library */
+    uint16_t tableWords[13];    /* [11]: valueCount (signed), [12]: segmentCount (signed, at most 16) */
+    const CptSegment *segments; /* segmentCount entries */
+    const uint8_t *extraBlock;  /* 16 bytes, or null */
+} CptToneTable;
+RYN_STATIC_ASSERT(sizeof(CptToneTable) == 32 + 3 * sizeof(void *), CptToneTable_is_naturally_aligned);
+
+typedef struct CptDetectorConfig {
+    uint32_t unused; /* not read by the library */
+    uint16_t setting1;
+    uint16_t setting2;
+    const CptToneTable *toneTable; /* null: error 9 */
+    int16_t tableCount;            /* 1, or negative for no table (0 or above 1: error 9) */
+    uint16_t setting3;
+} CptDetectorConfig;
+RYN_STATIC_ASSERT(sizeof(CptDetectorConfig) == 8 + 2 * sizeof(void *), CptDetectorConfig_is_naturally_aligned);
+
+RYN_ENTRY(ResultCode, RynCstDtmfDialerInit, 8, (DeviceHandle handle, uint32_t param1))
+/* Dials digitCount characters (0 to 127, else error 9), not terminated and
+ * not examined by the library. */
+RYN_ENTRY(ResultCode, RynCstDtmfDial, 20,
+          (DeviceHandle handle, const char *digits, int32_t digitCount, uint32_t param3, uint32_t param4))
+RYN_ENTRY(ResultCode, RynCstVoiceActivityDetectorInit, 8, (DeviceHandle handle, uint32_t param1))
+/* The status calls write the block's status after the exchange, whatever
+ * the result; it means something only on success. */
+RYN_ENTRY(ResultCode, RynCstVoiceActivityDetectorStatus, 8, (DeviceHandle handle, uint32_t *status))
+RYN_ENTRY(ResultCode, RynCstDtmfDetectorInit, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynCstDtmfDetectorStatus, 8, (DeviceHandle handle, uint8_t *status))
+RYN_ENTRY(ResultCode, RynCstComfortNoiseGeneratorInit, 8, (DeviceHandle handle, uint32_t param1))
+RYN_ENTRY(ResultCode, RynCstVoiceMixerInit, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynCstEchoCancelInit, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynCstCptDetectorInit, 16,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3))
+RYN_ENTRY(ResultCode, RynCstCptDetectorStatus, 8, (DeviceHandle handle, uint32_t *status))
+RYN_ENTRY(ResultCode, RynCstCptGeneratorInit, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynCstCptGenerateTone, 8, (DeviceHandle handle, uint32_t param1))
+RYN_ENTRY(ResultCode, RynCstCidDetectorInit, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+/* Sends the first mixCount entries of both lists (at most 128, else error 9;
+ * a negative count sends none and travels as given). The undecorated entry
+ * point is RynCstVoiceMixerInitEX, with a capital X. */
+RYN_ENTRY_DECORATED(ResultCode, RynCstVoiceMixerInitEx, 24,
+                    (DeviceHandle handle, const uint32_t *mixItems, uint32_t param2, const uint16_t *mixValues,
+                     uint16_t param4, int32_t mixCount))
+RYN_API ResultCode RynCstVoiceMixerInitEX(DeviceHandle handle, const uint32_t *mixItems, uint32_t param2,
+                                          const uint16_t *mixValues, uint16_t param4, int32_t mixCount);
+/* Gathers the one tone table of config into the request: error 9 for a
+ * tableCount of 0 or above 1, a valueCount outside 1..32, a segmentCount
+ * above 16 or segment steps beyond 210 words in all. A negative tableCount
+ * sends the settings with an empty table. */
+RYN_ENTRY(ResultCode, RynCstCptDetectorInitEx, 20,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, const CptDetectorConfig *config, uint32_t param4))
+/* params holds 13 words, word 0 the count 13 (else error 9). */
+RYN_ENTRY_DECORATED(ResultCode, RynCstVoiceActivityDetectorInitEx, 12,
+                    (DeviceHandle handle, const int16_t *params, uint32_t param2))
+
 /* ---- Data converter and mixer -------------------------------------------- */
 
 /* The converter takes the block's logical-device handle (kind 2, else error
