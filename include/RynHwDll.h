@@ -460,7 +460,83 @@ RYN_ENTRY_DECORATED(ResultCode, RynBurstReceiveData, 16,
 
 /* ---- Tone generators and diallers ---------------------------------------- */
 
+/* Every call takes the block's logical-device handle (kind 2, else error 11,
+ * nothing sent). Settings (paramN, value, digit, dial characters, sequence
+ * entries) pass to the block unchanged. A null dial, entry or tone array
+ * with a positive count, or a null value pointer, gives error 10. */
+
+/* One tone of the sine-wave generator, read field by field. */
+typedef struct SineToneParams {
+    double frequency; /* Hz, 0.0 or more */
+    double level;     /* dB relative to a peak amplitude of 4096, 0.0 or less */
+    double phase;     /* starting phase: only 0.0 is accepted */
+} SineToneParams;
+RYN_STATIC_ASSERT(sizeof(SineToneParams) == 24, SineToneParams_is_24_bytes);
+
+RYN_ENTRY(ResultCode, RynToneConstValGeneratorInit, 12, (DeviceHandle handle, uint32_t param1, uint16_t value))
+RYN_ENTRY(ResultCode, RynToneValSamplerInit, 8, (DeviceHandle handle, uint32_t param1))
+/* value receives the block's 16-bit value after the exchange, whatever the
+ * result. */
+RYN_ENTRY(ResultCode, RynToneValSamplerReadData, 8, (DeviceHandle handle, uint16_t *value))
+RYN_ENTRY(ResultCode, RynToneEffectsGeneratorInit, 16,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3))
+/* Up to five tones of the array become the block's oscillators (8000 Hz
+ * sampling); toneCount is passed on as given, also above 5 or below 1. The
+ * tones are checked in order: a phase other than 0.0 gives error 17, a level
+ * above 0.0 or a negative frequency error 9, and so does a level or
+ * frequency that is not a number or a frequency whose angle 2 pi f is not
+ * finite; nothing is sent then. */
+RYN_ENTRY(ResultCode, RynToneSineWaveGeneratorInit, 20,
+          (DeviceHandle handle, uint32_t param1, const SineToneParams *tones, int32_t toneCount, uint32_t param4))
+RYN_ENTRY(ResultCode, RynToneDtmfGeneratorInit, 16,
+          (DeviceHandle handle, uint32_t param1, uint8_t digit, uint32_t param3))
+RYN_ENTRY(ResultCode, RynToneDtmfDiallerInit, 20,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3, uint32_t param4))
+/* Dials digitCount characters (0 to 127, else error 9), not terminated and
+ * not examined by the library. */
+RYN_ENTRY(ResultCode, RynToneDtmfDial, 20,
+          (DeviceHandle handle, const char *digits, int32_t digitCount, uint32_t param3, uint32_t param4))
+RYN_ENTRY(ResultCode, RynToneMfDiallerInit, 24,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3, uint32_t param4, uint32_t param5))
+RYN_ENTRY(ResultCode, RynToneMfDial, 20,
+          (DeviceHandle handle, const char *digits, int32_t digitCount, uint32_t param3, uint32_t param4))
+RYN_ENTRY(ResultCode, RynToneSequenceGeneratorInit, 20,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3, uint32_t param4))
+/* Sends entryCount 32-bit entries (0 to 127, else error 9). */
+RYN_ENTRY(ResultCode, RynToneSequenceSend, 20,
+          (DeviceHandle handle, const uint32_t *entries, int32_t entryCount, uint32_t param3, uint32_t param4))
+/* value receives the block's 16-bit value after the exchange, whatever the
+ * result. */
+RYN_ENTRY(ResultCode, RynToneReadVal, 8, (DeviceHandle handle, uint16_t *value))
+
 /* ---- Tone detectors ------------------------------------------------------ */
+
+/* Every call takes a logical-device handle (else error 11, nothing sent).
+ * Status calls write the detector's status (32-bit or 8-bit, as declared)
+ * whatever the result; a null status pointer is refused with error 10. */
+RYN_ENTRY(ResultCode, RynToneSilenceDetectorInit, 16,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3))
+RYN_ENTRY(ResultCode, RynToneSilenceDetectorStatus, 8, (DeviceHandle handle, uint32_t *status))
+RYN_ENTRY(ResultCode, RynToneDtmfDetectorInit, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynToneDtmfDetectorStatus, 8, (DeviceHandle handle, uint8_t *status))
+RYN_ENTRY(ResultCode, RynToneFskDetectorInit, 8, (DeviceHandle handle, uint32_t param1))
+RYN_ENTRY(ResultCode, RynToneDialtoneDetectorInit, 12, (DeviceHandle handle, uint32_t param1, uint32_t param2))
+RYN_ENTRY(ResultCode, RynToneDialtoneDetectorStatus, 8, (DeviceHandle handle, uint32_t *status))
+RYN_ENTRY(ResultCode, RynToneMfDetectorInit, 24,
+          (DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3, uint32_t param4, uint16_t param5))
+RYN_ENTRY(ResultCode, RynToneMfDetectorStatus, 8, (DeviceHandle handle, uint8_t *status))
+/* Tunes the detector to up to 6 frequencies in Hz (more: error 9; a null
+ * list with a positive count: error 10); the library turns each into the
+ * detector's coefficient, cos(2 pi f / 8000) in Q15. A count of 0 or below
+ * sends no coefficient and goes to the driver as it is. */
+RYN_ENTRY(ResultCode, RynToneDualDetectorInit, 28,
+          (DeviceHandle handle, uint32_t param1, const uint32_t *frequencies, int32_t frequencyCount, uint32_t param4,
+           uint32_t param5, uint16_t param6))
+RYN_ENTRY(ResultCode, RynToneDualDetectorStatus, 8, (DeviceHandle handle, uint8_t *status))
+RYN_ENTRY(ResultCode, RynToneSingleDetectorInit, 28,
+          (DeviceHandle handle, uint32_t param1, const uint32_t *frequencies, int32_t frequencyCount, uint32_t param4,
+           uint32_t param5, uint16_t param6))
+RYN_ENTRY(ResultCode, RynToneSingleDetectorStatus, 8, (DeviceHandle handle, uint8_t *status))
 
 /* ---- Telephony blocks ---------------------------------------------------- */
 
