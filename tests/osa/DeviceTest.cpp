@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "Osa.h"
 #include "osa/Device.h"
@@ -38,11 +39,11 @@ TEST(OsaDevice, DriversMayCallBackIntoTheLibrary) {
     ASSERT_TRUE(ryn::osa::registerDevice("RYNUPPER", &LayeredDriver::kTable));
     const OsaHandle upper = OsaDeviceOpen("RynUpper");
     ASSERT_NE(upper, INVALID_HANDLE_VALUE);
-    EXPECT_TRUE(lower.isOpen());
-    EXPECT_NE(LayeredDriver::event, 0u);
-    EXPECT_NE(OsaDeviceClose(upper), 0);
-    EXPECT_FALSE(lower.isOpen());
-    EXPECT_EQ(RynResultErrorCode(RynDrvSignalEvent_4(LayeredDriver::event)), 13u);  // closed by the driver
+    EXPECT_EQ(std::tuple(lower.isOpen(), LayeredDriver::event != 0), std::tuple(true, true));
+    // The event was closed by the driver.
+    EXPECT_EQ((std::tuple{OsaDeviceClose(upper) != 0, lower.isOpen(),
+                          RynResultErrorCode(RynDrvSignalEvent_4(LayeredDriver::event))}),
+              std::tuple(true, false, 13u));
     ryn::osa::unregisterDevice("RYNUPPER");
 }
 
@@ -53,92 +54,56 @@ TEST(OsaDevice, OpenWithoutMemoryFailsCleanly) {
         ryn::test::AllocationFailure noMemory;
         handle = OsaDeviceOpen("RYNTEST");
     }
-    EXPECT_EQ(handle, INVALID_HANDLE_VALUE);
-    EXPECT_FALSE(driver.isOpen());
-    handle = OsaDeviceOpen("RYNTEST");  // the name was not left claimed
-    ASSERT_NE(handle, INVALID_HANDLE_VALUE);
-    EXPECT_NE(OsaDeviceClose(handle), 0);
+    EXPECT_EQ(std::tuple(handle, driver.isOpen()), std::tuple(INVALID_HANDLE_VALUE, false));
+    EXPECT_NE(OsaDeviceClose(OsaDeviceOpen("RYNTEST")), 0);  // the name was not left claimed
 }
 
-TEST(OsaDevice, NamesUpToFiftyOneCharacters) {
-    const std::string longest(51, 'N');
-    const std::string tooLong(52, 'N');
-    FakeDriver fits(longest.c_str());
-    FakeDriver refused(tooLong.c_str());
-
-    const OsaHandle handle = OsaDeviceOpen(longest.c_str());
-    ASSERT_NE(handle, INVALID_HANDLE_VALUE);
-    EXPECT_NE(OsaDeviceClose(handle), 0);
-    EXPECT_EQ(OsaDeviceOpen(tooLong.c_str()), INVALID_HANDLE_VALUE);
+TEST(OsaDevice, NamesExclusiveOpenAndClose) {
+    const std::string longest(51, 'N'), tooLong(52, 'N');
+    FakeDriver driver("RYNTEST"), fits(longest.c_str()), refused(tooLong.c_str());
+    // Names of 1 to 51 characters, compared without regard to case; one connection per device.
+    const OsaHandle first = OsaDeviceOpen("RynTest"), wide = OsaDeviceOpen(longest.c_str());
+    ASSERT_TRUE(first != INVALID_HANDLE_VALUE && wide != INVALID_HANDLE_VALUE);
+    EXPECT_GE(first, 3u);  // never a standard stream
+    // Refused too: module names that leave the ryn-drivers folder, names nothing answers to.
+    const char *const refusedNames[] = {"RYNTEST", tooLong.c_str(), "", nullptr, "../ryn-drivers/rynmodtest", "NoSuch"};
+    for (const char *name : refusedNames) EXPECT_EQ(OsaDeviceOpen(name), INVALID_HANDLE_VALUE) << (name ? name : "-");
     EXPECT_FALSE(refused.isOpen());
-    EXPECT_EQ(OsaDeviceOpen(""), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(OsaDeviceOpen(nullptr), INVALID_HANDLE_VALUE);
-}
-
-TEST(OsaDevice, ExclusiveOpenAndCloseOfUnknownHandles) {
-    FakeDriver driver("RYNTEST");
-    const OsaHandle first = OsaDeviceOpen("RynTest");  // names are not case-sensitive
-    ASSERT_NE(first, INVALID_HANDLE_VALUE);
-    EXPECT_GE(first, 3u);
-    EXPECT_EQ(OsaDeviceOpen("RYNTEST"), INVALID_HANDLE_VALUE);
-    EXPECT_NE(OsaDeviceClose(first), 0);
-    EXPECT_EQ(OsaDeviceClose(first), 0);  // already closed
-    EXPECT_EQ(OsaDeviceClose(INVALID_HANDLE_VALUE), 0);
-    EXPECT_EQ(OsaDeviceClose(0), 0);  // never a handle of this layer, never closed
-
-    const OsaHandle again = OsaDeviceOpen("RYNTEST");
-    ASSERT_NE(again, INVALID_HANDLE_VALUE);
-    EXPECT_NE(OsaDeviceClose(again), 0);
+    // Nonzero for an open connection; 0 for a closed one and for handles never given out.
+    EXPECT_EQ((std::tuple{OsaDeviceClose(first) != 0, OsaDeviceClose(wide) != 0, OsaDeviceClose(first),
+                          OsaDeviceClose(INVALID_HANDLE_VALUE), OsaDeviceClose(0)}),
+              std::tuple(true, true, 0, 0, 0));
+    EXPECT_NE(OsaDeviceClose(OsaDeviceOpen("RYNTEST")), 0);  // the name is free again
 }
 
 TEST(OsaDevice, IoControlReportsReturnedBytes) {
     FakeDriver driver("RYNTEST");
     const OsaHandle handle = OsaDeviceOpen("RYNTEST");
-    ASSERT_NE(handle, INVALID_HANDLE_VALUE);
-
-    uint8_t in[20] = {1, 2, 3};
-    uint8_t out[12] = {};
+    uint8_t in[20] = {1, 2, 3}, out[12] = {};
     uint32_t returned = 99;
+    // Whether the call succeeded, and the bytes it reports.
+    const auto control = [&] {
+        return std::pair(OsaDeviceIoControl(handle, 0x222044, in, 20, out, 12, &returned) != 0, returned);
+    };
     driver.script(ryn::test::ScriptedReply{}.word(8, 0xABCD));
-    EXPECT_NE(OsaDeviceIoControl(handle, 0x222044, in, sizeof in, out, sizeof out, &returned), 0);
-    EXPECT_EQ(returned, 12u);
-    EXPECT_EQ(out[8], 0xCD);
-    EXPECT_EQ(driver.lastRequest().code, 0x222044u);
-    EXPECT_EQ(driver.lastRequest().input[2], 3);
-
-    ryn::test::ScriptedReply tooMuch;
-    tooMuch.returned = 1000;  // never more than the reply holds
-    driver.script(tooMuch);
-    EXPECT_NE(OsaDeviceIoControl(handle, 0x222044, in, sizeof in, out, sizeof out, &returned), 0);
-    EXPECT_EQ(returned, 12u);
-
+    driver.script({1, 1000, {}, {}});  // 1000 bytes returned: never more than the reply holds
     driver.script(ryn::test::failedCall(0));
-    EXPECT_EQ(OsaDeviceIoControl(handle, 0x222044, in, sizeof in, out, sizeof out, &returned), 0);
-    EXPECT_EQ(returned, 0u);
-
+    EXPECT_EQ((std::tuple{control(), out[8]}), std::tuple(std::pair(true, 12u), 0xCD));
+    EXPECT_EQ(std::tuple(driver.lastRequest().code, driver.lastRequest().input[2]), std::tuple(0x222044u, 3));
+    EXPECT_EQ((std::tuple{control(), control()}), std::tuple(std::pair(true, 12u), std::pair(false, 0u)));
     EXPECT_NE(OsaDeviceClose(handle), 0);
-    EXPECT_EQ(OsaDeviceIoControl(handle, 0x222044, in, sizeof in, out, sizeof out, &returned), 0);
+    EXPECT_FALSE(control().first);  // closed
 }
 
 TEST(OsaDevice, DriverModuleFromTheLibraryFolder) {
     const OsaHandle handle = OsaDeviceOpen("RynModTest");
     ASSERT_NE(handle, INVALID_HANDLE_VALUE) << "bin/ryn-drivers/rynmodtest.so not found";
     uint8_t in[20] = {};
-    uint8_t out[16] = {};
-    uint32_t returned = 0;
+    uint32_t out[4] = {}, returned = 0;
     EXPECT_NE(OsaDeviceIoControl(handle, 0x2221B8, in, sizeof in, out, sizeof out, &returned), 0);
-    EXPECT_EQ(returned, 16u);
-    uint32_t code = 0, nameLength = 0;
-    std::memcpy(&code, out + 8, 4);
-    std::memcpy(&nameLength, out + 12, 4);
-    EXPECT_EQ(code, 0x2221B8u);
-    EXPECT_EQ(nameLength, 10u);                                    // the module saw the name as it was given
-    EXPECT_EQ(OsaDeviceOpen("RYNMODTEST"), INVALID_HANDLE_VALUE);  // exclusive across modules too
+    // The module answers with the code and the length of the name as it was given.
+    EXPECT_EQ(std::tuple(returned, out[2], out[3]), std::tuple(16u, 0x2221B8u, 10u));
     EXPECT_NE(OsaDeviceClose(handle), 0);
-
-    // Module names cannot leave the ryn-drivers folder.
-    EXPECT_EQ(OsaDeviceOpen("../ryn-drivers/rynmodtest"), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(OsaDeviceOpen("NoSuchModule"), INVALID_HANDLE_VALUE);
 }
 
 }  // namespace
