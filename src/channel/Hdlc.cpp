@@ -29,13 +29,6 @@ void storeOut(T *out, T value) {
     if (out != nullptr) *out = value;
 }
 
-// Flush and stop-repeat carry the handle alone.
-ResultCode sendHandleOnly(uint32_t function, DeviceHandle handle) {
-    Request<20, 12> request(function);
-    request.put<16>(handle);
-    return request.send();
-}
-
 // Frame send and repeat start: length, two settings, then the data's address.
 ResultCode sendFrame(uint32_t function, DeviceHandle handle, const void *data, uint32_t length, uint32_t param3,
                      uint32_t param4) {

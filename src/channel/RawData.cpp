@@ -51,11 +51,7 @@ ResultCode RYN_DECORATED(RynRawDataReadData, 20)(DeviceHandle handle, void *buff
     return result;
 }
 
-ResultCode RYN_DECORATED(RynRawDataSenderFlush, 4)(DeviceHandle handle) {
-    Request<20, 12> request(0x9A0);
-    request.put<16>(handle);
-    return request.send();
-}
+ResultCode RYN_DECORATED(RynRawDataSenderFlush, 4)(DeviceHandle handle) { return sendHandleOnly(0x9A0, handle); }
 
 // As the plain set-up, with a second setting before the 8-bit one.
 ResultCode RYN_DECORATED(RynRawDataSenderInitEx, 20)(DeviceHandle handle, uint32_t param1, uint32_t param2,

@@ -155,4 +155,12 @@ private:
     bool answered_ = false;
 };
 
+// The request of many calls in every family: the handle alone (20 bytes),
+// a plain 12-byte reply.
+inline ResultCode sendHandleOnly(uint32_t function, DeviceHandle handle) {
+    Request<20, 12> request(function);
+    request.put<16>(handle);
+    return request.send();
+}
+
 }  // namespace ryn

@@ -18,13 +18,6 @@ ResultCode sendEnableRequest(uint32_t function, DeviceHandle handle, uint32_t pa
     return request.send();
 }
 
-// Requests whose only field is the handle.
-ResultCode sendHandleRequest(uint32_t function, DeviceHandle handle) {
-    Request<20, 12> request(function);
-    request.put<16>(handle);
-    return request.send();
-}
-
 // Logical-device connect and disconnect share their request layout.
 ResultCode sendLogicalConnection(uint32_t function, DeviceHandle handleA, uint32_t portA, DeviceHandle handleB,
                                  uint32_t portB) {
@@ -177,12 +170,12 @@ ResultCode RYN_DECORATED(RynDrvGetState, 8)(DeviceHandle handle, uint32_t *state
 
 ResultCode RYN_DECORATED(RynDrvReset, 4)(DeviceHandle handle) {
     if (handle == 0) return RYN_FAILURE(kErrInvalidHandle);
-    return sendHandleRequest(0x80E, handle);
+    return sendHandleOnly(0x80E, handle);
 }
 
 ResultCode RYN_DECORATED(RynDrvClose, 4)(DeviceHandle handle) {
     if (!isDriverObject(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    return sendHandleRequest(0x811, handle);
+    return sendHandleOnly(0x811, handle);
 }
 
 }  // extern "C"

@@ -77,9 +77,7 @@ ResultCode RYN_DECORATED(RynDrvCreateEventQueue, 12)(uint32_t param1, uint32_t p
 
 ResultCode RYN_DECORATED(RynDrvPollEvents, 4)(DeviceHandle handle) {
     if (!isDriverObject(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<20, 12> request(0x875);
-    request.put<16>(handle);
-    return request.send();
+    return sendHandleOnly(0x875, handle);
 }
 
 ResultCode RYN_DECORATED(RynDrvGetEventData, 8)(DeviceHandle handle, EventData *record) {

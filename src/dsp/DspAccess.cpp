@@ -62,9 +62,7 @@ ResultCode RYN_DECORATED(RynDspReadData, 24)(DeviceHandle handle, uint32_t p1, u
 
 ResultCode RYN_DECORATED(RynDspRestartProgram, 4)(DeviceHandle handle) {
     if (!isDriverObject(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<20, 12> request(0x9A1);
-    request.put<16>(handle);
-    return request.send();
+    return sendHandleOnly(0x9A1, handle);
 }
 
 ResultCode RYN_DECORATED(RynDspReadHpi, 16)(DeviceHandle handle, uint32_t p1, uint32_t p2, uint32_t p3) {

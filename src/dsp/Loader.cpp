@@ -40,12 +40,6 @@ constexpr uint32_t kRecordFieldWords = 4;
 
 // ---- Requests of a load ----------------------------------------------------
 
-ResultCode sendHandleOnly(uint32_t function, DeviceHandle handle) {
-    Request<20, 12> request(function);
-    request.put<16>(handle);
-    return request.send();
-}
-
 ResultCode sendStart(DeviceHandle handle, uint32_t entry, uint32_t moduleFlag) {
     Request<28, 12> request(kFunctionStart);
     request.put<16>(handle).put<20>(entry).put<24>(moduleFlag);

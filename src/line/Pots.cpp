@@ -8,12 +8,6 @@ namespace {
 constexpr uint8_t kSourceId = source::kPots;
 constexpr uint32_t kDigitArea = 128;  // of which 127 digits may be dialled
 
-ResultCode sendHandleOnly(uint32_t function, DeviceHandle handle) {
-    Request<20, 12> request(function);
-    request.put<16>(handle);
-    return request.send();
-}
-
 }  // namespace
 }  // namespace ryn
 

@@ -20,12 +20,6 @@ constexpr size_t kNumberLength = 10;  // in an 11-byte field
 constexpr size_t kStampLength = 8;    // MMDDhhmm in a 9-byte field
 constexpr uint64_t kUnixEpochIn100ns = 116444736000000000ull;
 
-ResultCode sendHandleOnly(uint32_t function, DeviceHandle handle) {
-    Request<20, 12> request(function);
-    request.put<16>(handle);
-    return request.send();
-}
-
 // Sends a request that carries a value reply and stores the value through
 // `status` (when given) whatever the result.
 template <uint32_t Length>

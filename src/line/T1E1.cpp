@@ -97,11 +97,7 @@ ResultCode RYN_DECORATED(RynT1E1SetLineLoop, 8)(DeviceHandle handle, uint32_t lo
     return sendValue(0x9A1, handle, loop);
 }
 
-ResultCode RYN_DECORATED(RynT1E1ForceResynch, 4)(DeviceHandle handle) {
-    Request<20, 12> request(0x9A2);
-    request.put<16>(handle);
-    return request.send();
-}
+ResultCode RYN_DECORATED(RynT1E1ForceResynch, 4)(DeviceHandle handle) { return sendHandleOnly(0x9A2, handle); }
 
 ResultCode RYN_DECORATED(RynT1E1GetLayer1Status, 8)(DeviceHandle handle, uint32_t *status) {
     if (status == nullptr) return RYN_FAILURE(kErrNullPointer);
