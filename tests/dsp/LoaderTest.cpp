@@ -169,14 +169,15 @@ TEST_F(Loader, RunImage) {
     Words big = {0x54AB, 0x6D2E, 0x1010, 0x1C1C, 2, 0, 0x60, 0, 257};
     big.resize(9 + 129);
     const uint16_t stream[4] = {4, 0x0FFF, 2, 0};
+    const Functions shipped = {kHold, kBlock, kStart}, refused = {kHold, kDisable, kCancel};
     const std::tuple<const uint16_t *, uint16_t, uint32_t, Functions, Fields> cases[] = {
         // image, length, error, functions, fields of the second request
-        {records.data(), 137, 0, {kHold, kBlock, kStart}, {{24, 128}, {28, 0x12345}, {32, 10}, {288, 0x017F017E}}},
-        {records.data(), 136, 12, {kHold, kDisable, kCancel}, {}},  // records past the length
-        {records.data(), 7, 12, {kHold, kDisable, kCancel}, {}},
-        {big.data(), 138, 12, {kHold, kDisable, kCancel}, {}},  // more than 256 bytes
-        {records.data(), 5, 0, {kHold, kStart}, {}},            // a header alone ships nothing
-        {bytes.data(), 11, 0, {kHold, kBlock, kStart}, {{24, 3}, {28, 0x60}, {32, 0}, {36, 0x030201}}},
+        {records.data(), 137, 0, shipped, {{20, 0}, {24, 128}, {28, 0x12345}, {32, 10}, {288, 0x017F017E}}},
+        {records.data(), 136, 12, refused, {}},  // records past the length
+        {records.data(), 7, 12, refused, {}},
+        {big.data(), 138, 12, refused, {}},           // more than 256 bytes
+        {records.data(), 5, 0, {kHold, kStart}, {}},  // a header alone ships nothing
+        {bytes.data(), 11, 0, shipped, {{24, 3}, {28, 0x60}, {32, 0}, {36, 0x030201}}},
         {stream, 4, 0, {kHold, kLoadImage, kStart}, {}}};
     for (const auto &[image, length, error, calls, fields] : cases) {
         driver.clear();

@@ -49,7 +49,8 @@ TEST_F(T1E1, RequestLayoutsAndCopyOuts) {
     const auto in = [&](auto call, uint32_t function, uint32_t length, auto record) {
         std::ranges::copy(ramp(sizeof record.bytes), record.bytes);
         sent(call(kSpan, &record), function, length, 12, {kSpan, kRamp});
-        EXPECT_EQ(driver.lastRequest().word(length - 4), kRamp + (length - 24) / 4 * 0x04040404u) << function;
+        EXPECT_EQ(driver.lastRequest().word(length - 4), kRamp + (length - 24) / 4 * 0x04040404u)
+            << std::hex << function;
     };
     in(RynT1SetConfiguration_8, 0x99B, 80, T1Configuration{});
     in(RynE1SetConfiguration_8, 0x99D, 76, E1Configuration{});
