@@ -97,7 +97,7 @@ TEST(OsaDevice, IoControlReportsReturnedBytes) {
 
 TEST(OsaDevice, DriverModuleFromTheLibraryFolder) {
     const OsaHandle handle = OsaDeviceOpen("RynModTest");
-    ASSERT_NE(handle, INVALID_HANDLE_VALUE) << "bin/ryn-drivers/rynmodtest.so not found";
+    ASSERT_NE(handle, INVALID_HANDLE_VALUE) << "unit/ryn-drivers/rynmodtest.so not found";
     uint8_t in[20] = {};
     uint32_t out[4] = {}, returned = 0;
     EXPECT_NE(OsaDeviceIoControl(handle, 0x2221B8, in, sizeof in, out, sizeof out, &returned), 0);

@@ -1,0 +1,154 @@
+// The board's objects, event queues, clock and register memory.
+#include <algorithm>
+#include <chrono>
+
+#include "Board.h"
+
+namespace vb {
+
+namespace {
+// 100-ns intervals from 1 January 1601 to 1 January 1970.
+constexpr uint64_t kUnixEpoch = 116444736000000000ull;
+}  // namespace
+
+Board::Board() {
+    const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+    start_ = kUnixEpoch + static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(sinceEpoch).count()) * 10;
+    buildDeviceTree(*this);
+}
+
+Board::~Board() = default;
+
+uint64_t Board::now() const { return start_ + offset_; }
+
+Object *Board::find(uint32_t handle) {
+    if (handle == 0) return nullptr;
+    auto it = std::find_if(objects_.begin(), objects_.end(), [&](const auto &o) { return o->handle == handle; });
+    return it == objects_.end() ? nullptr : it->get();
+}
+
+Object *Board::findDevice(int32_t type, uint32_t id) {
+    auto it = std::find_if(objects_.begin(), objects_.end(), [&](const auto &o) {
+        return (o->handle & 0xF0000000u) == kKindPhysical && o->type == type && o->id == id;
+    });
+    return it == objects_.end() ? nullptr : it->get();
+}
+
+Object &Board::create(uint32_t kind, int32_t type, Family family, uint32_t parent, std::string name) {
+    auto object = std::make_unique<Object>();
+    object->handle = kind | (nextSerial_++ & 0x0FFFFFFFu);
+    object->type = type;
+    object->family = family;
+    object->parent = parent;
+    object->name = std::move(name);
+    if (kind == kKindPhysical) {
+        object->id = static_cast<uint32_t>(
+            std::count_if(objects_.begin(), objects_.end(), [&](const auto &o) {
+                return (o->handle & 0xF0000000u) == kKindPhysical && o->type == type;
+            }));
+    }
+    objects_.push_back(std::move(object));
+    return *objects_.back();
+}
+
+void Board::destroy(uint32_t handle) {
+    // A DSP's blocks go with it.
+    std::vector<uint32_t> children;
+    for (const auto &o : objects_)
+        if (o->parent == handle) children.push_back(o->handle);
+    for (uint32_t child : children) destroy(child);
+    std::erase_if(connections, [&](const Connection &c) { return c.handleA == handle || c.handleB == handle; });
+    std::erase_if(registers_, [&](const auto &r) { return (r.first >> 32) == handle; });
+    std::erase_if(objects_, [&](const auto &o) { return o->handle == handle; });
+}
+
+bool Board::queueRecord(uint32_t queueHandle, const EventData &record) {
+    Object *object = find(queueHandle);
+    if (object == nullptr || object->family != Family::EventQueue) return false;
+    auto &queue = object->as<EventQueue>();
+    if (queue.records.size() >= EventQueue::kCapacity) {
+        queue.records.erase(queue.records.begin());
+        ++queue.dropped;
+    }
+    queue.records.push_back(record);
+    if (queue.event != 0) RynDrvSignalEvent(queue.event);
+    return true;
+}
+
+void Board::post(const Object &source, uint32_t code, uint32_t value5, uint32_t value6, uint32_t value7) {
+    EventData record{};
+    const uint64_t time = now();
+    record.word[0] = static_cast<uint32_t>(time);
+    record.word[1] = static_cast<uint32_t>(time >> 32);
+    record.word[2] = static_cast<uint32_t>(source.type);
+    record.word[3] = code;
+    record.word[4] = source.handle;
+    record.word[5] = value5;
+    record.word[6] = value6;
+    record.word[7] = value7;
+    for (const auto &o : objects_) {
+        if (o->family != Family::EventQueue) continue;
+        const uint32_t wanted = o->as<EventQueue>().source;
+        if (wanted == 0 || wanted == source.handle || wanted == source.parent) queueRecord(o->handle, record);
+    }
+}
+
+uint32_t Board::registerValue(uint32_t handle, uint32_t offset) const {
+    const uint64_t key = (uint64_t{handle} << 32) | offset;
+    auto it = std::find_if(registers_.begin(), registers_.end(), [&](const auto &r) { return r.first == key; });
+    return it == registers_.end() ? 0 : it->second;
+}
+
+void Board::setRegister(uint32_t handle, uint32_t offset, uint32_t value) {
+    const uint64_t key = (uint64_t{handle} << 32) | offset;
+    auto it = std::find_if(registers_.begin(), registers_.end(), [&](const auto &r) { return r.first == key; });
+    if (it != registers_.end()) {
+        it->second = value;
+    } else {
+        registers_.emplace_back(key, value);
+    }
+}
+
+std::vector<uint8_t> textValue(const std::string &text) {
+    std::vector<uint8_t> value(text.begin(), text.end());
+    value.push_back(0);
+    return value;
+}
+
+std::vector<uint8_t> wordValue(uint32_t value) {
+    std::vector<uint8_t> bytes(4);
+    std::memcpy(bytes.data(), &value, 4);
+    return bytes;
+}
+
+const char *eventText(uint32_t code) {
+    switch (code) {
+        case kEventEnabled: return "Device enabled";
+        case kEventDisabled: return "Device disabled";
+        case kEventReset: return "Device reset";
+        case kEventUser: return "Application event";
+        case kEventLayer1Changed: return "Layer 1 status changed";
+        case kEventAlarmChanged: return "Alarm state changed";
+        case kEventSignallingChanged: return "Signalling bits changed";
+        case kEventHookChanged: return "Hook state changed";
+        case kEventRingStarted: return "Ringing started";
+        case kEventRingStopped: return "Ringing stopped";
+        case kEventFrameReceived: return "Frame received";
+        case kEventFrameSent: return "Frame sent";
+        case kEventRawDataReceived: return "Raw data received";
+        case kEventBurstDone: return "Burst transfer done";
+        case kEventProgramStarted: return "DSP program started";
+        case kEventProgramStopped: return "DSP program stopped";
+        case kEventDtmfDigit: return "DTMF digit detected";
+        case kEventMfDigit: return "MF digit detected";
+        case kEventToneDetected: return "Tone detected";
+        case kEventToneEnded: return "Tone ended";
+        case kEventCallProgress: return "Call progress tone detected";
+        case kEventSilence: return "Silence detected";
+        case kEventDialDone: return "Dialling finished";
+        case kEventSequenceDone: return "Sequence sent";
+        default: return nullptr;
+    }
+}
+
+}  // namespace vb

@@ -1,0 +1,333 @@
+// The virtual board: a driver module that answers the library's requests as a
+// board driver would, with state, so that applications run without hardware.
+//
+// A request arrives as a block from the library: 16 reserved header bytes,
+// the handle at offset 16 as a rule, the fields after it. The module finds
+// the request's row (function number, request and reply length, handler) in
+// the table of the family the handle belongs to (device-core requests have a
+// table of their own), checks the lengths, zero-fills the reply, runs the
+// handler under the board's lock and stores the handler's result code at the
+// reply's result offset.
+//
+// Each family keeps the state of its objects in a struct derived from
+// ObjectState, created on first use with Object::as<T>().
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "RynHwDll.h"
+#include "RynUserDriver.h"
+
+namespace vb {
+
+// ---- Result codes ---------------------------------------------------------
+
+// The SourceId of the codes this driver raises.
+inline constexpr uint32_t kSourceId = 0x72;
+
+// Error numbers (the library's meanings).
+enum Error : uint32_t {
+    kNothingToRead = 1,  // a status, not a failure: an empty queue or receiver
+    kMalformed = 5,      // data not in the expected form (a corrupt DSP image)
+    kNotProvided = 6,    // a request this object does not answer
+    kOutOfRange = 9,     // an argument outside its range
+    kInvalidHandle = 11, // no such object, or an object of the wrong kind
+    kLengthMismatch = 12,// a request or reply block of the wrong length
+    kFailed = 13,        // the object is not in a state to do this
+    kUnknownAttribute = 16,
+    kNotAvailable = 17,  // e.g. a device type that the board does not have
+};
+
+constexpr uint32_t failureCode(uint32_t line, uint32_t error) {
+    return 0x80000000u | (kSourceId << 23) | ((line & 0x7FFFu) << 8) | (error & 0xFFu);
+}
+constexpr uint32_t statusCode(uint32_t line, uint32_t error) { return failureCode(line, error) & 0x7FFFFFFFu; }
+
+#define VB_FAILURE(error) ::vb::failureCode(__LINE__, (error))
+#define VB_STATUS(error) ::vb::statusCode(__LINE__, (error))
+
+constexpr bool failed(uint32_t code) { return (code & 0x80000000u) != 0; }
+
+// ---- Device tree ----------------------------------------------------------
+
+// Device types of the board's numbering (positive, so that the library's
+// translations for older drivers leave them alone).
+enum DeviceType : int32_t {
+    kTypeBoard = 1,
+    kTypeT1E1 = 2,
+    kTypeDsp = 3,
+    kTypeHdlc = 4,
+    kTypeRawData = 5,
+    kTypeBurst = 6,
+    kTypePots = 7,
+    kTypeSlic = 8,
+    kTypeJtag = 9,
+    kTypeBri = 10,  // not fitted on this board; its requests are refused
+    // Logical devices: the signal-processing blocks created on a DSP.
+    kTypeConstValueGenerator = 100,
+    kTypeValueSampler = 101,
+    kTypeEffectsGenerator = 102,
+    kTypeSineWaveGenerator = 103,
+    kTypeDtmfGenerator = 104,
+    kTypeDtmfDialler = 105,
+    kTypeMfDialler = 106,
+    kTypeSequenceGenerator = 107,
+    kTypeSilenceDetector = 110,
+    kTypeDtmfDetector = 111,
+    kTypeFskDetector = 112,
+    kTypeDialtoneDetector = 113,
+    kTypeMfDetector = 114,
+    kTypeDualDetector = 115,
+    kTypeSingleDetector = 116,
+    kTypeTelephonyFirst = 120,  // 120..139: the telephony blocks
+    kTypeTelephonyLast = 139,
+    kTypeDataMixer = 140,
+    kTypeDspPots = 150,
+    // Other driver objects.
+    kTypeEventQueue = 200,
+    kTypePipe = 201,
+};
+
+// Which request table answers an object's requests.
+enum class Family {
+    Board, T1E1, Bri, Dsp, Hdlc, RawData, Burst, Pots, Slic, Jtag,
+    Tone, Telephony, DataMixer, DspPots, EventQueue, Pipe,
+};
+
+inline constexpr uint32_t kKindPhysical = 0x10000000u;
+inline constexpr uint32_t kKindLogical = 0x20000000u;
+inline constexpr uint32_t kKindQueue = 0x30000000u;
+inline constexpr uint32_t kKindPipe = 0x40000000u;
+
+// Driver state values (RynDrvGetState).
+enum State : uint32_t { kStateIdle = 0, kStateEnabled = 1, kStateDisabled = 2 };
+
+// Per-family state of one object.
+struct ObjectState {
+    virtual ~ObjectState() = default;
+};
+
+struct Object {
+    uint32_t handle = 0;
+    int32_t type = 0;
+    uint32_t id = 0;  // number of the device among those of its type
+    Family family = Family::Board;
+    std::string name;
+    uint32_t parent = 0;  // a logical device's DSP, 0 for the rest
+    uint32_t state = kStateIdle;
+    uint32_t label = 0;  // attribute 5, the application's own value
+    std::unique_ptr<ObjectState> data;
+
+    template <typename T>
+    T &as() {
+        if (auto *existing = dynamic_cast<T *>(data.get())) return *existing;
+        data = std::make_unique<T>();
+        return static_cast<T &>(*data);
+    }
+};
+
+// ---- Event codes ----------------------------------------------------------
+
+// Word 3 of an event record. Texts in EventText (Events.cpp).
+enum EventCode : uint32_t {
+    kEventEnabled = 0x0001,
+    kEventDisabled = 0x0002,
+    kEventReset = 0x0003,
+    kEventUser = 0x0004,  // a record queued by RynDrvSetEventData
+    kEventLayer1Changed = 0x0100,
+    kEventAlarmChanged = 0x0101,
+    kEventSignallingChanged = 0x0102,
+    kEventHookChanged = 0x0200,
+    kEventRingStarted = 0x0201,
+    kEventRingStopped = 0x0202,
+    kEventFrameReceived = 0x0300,
+    kEventFrameSent = 0x0301,
+    kEventRawDataReceived = 0x0302,
+    kEventBurstDone = 0x0303,
+    kEventProgramStarted = 0x0400,
+    kEventProgramStopped = 0x0401,
+    kEventDtmfDigit = 0x0500,
+    kEventMfDigit = 0x0501,
+    kEventToneDetected = 0x0502,
+    kEventToneEnded = 0x0503,
+    kEventCallProgress = 0x0504,
+    kEventSilence = 0x0505,
+    kEventDialDone = 0x0506,
+    kEventSequenceDone = 0x0507,
+};
+
+const char *eventText(uint32_t code);  // nullptr for an unknown code
+
+// ---- Request and reply views ----------------------------------------------
+
+// The request block as the library sent it. Every read is bounds-checked: a
+// field outside the block reads as zero.
+class Input {
+public:
+    Input(const uint8_t *data, uint32_t length, const RynDriverBuffer *buffers, uint32_t bufferCount)
+        : data_(data), length_(length), buffers_(buffers), bufferCount_(bufferCount) {}
+
+    uint32_t length() const { return length_; }
+    uint32_t u32(uint32_t offset) const { return read<uint32_t>(offset); }
+    int32_t i32(uint32_t offset) const { return static_cast<int32_t>(read<uint32_t>(offset)); }
+    uint16_t u16(uint32_t offset) const { return read<uint16_t>(offset); }
+    uint8_t u8(uint32_t offset) const { return read<uint8_t>(offset); }
+    // `count` bytes from `offset`; empty when they do not lie inside the block.
+    std::span<const uint8_t> bytes(uint32_t offset, uint32_t count) const {
+        if (offset > length_ || count > length_ - offset) return {};
+        return {data_ + offset, count};
+    }
+    // The caller buffer named by the address field at `offset` (a 1-based
+    // reference into the request's buffer list, or the address itself in a
+    // 32-bit process), or nullptr when the field names none.
+    const RynDriverBuffer *buffer(uint32_t offset) const;
+
+private:
+    template <typename T>
+    T read(uint32_t offset) const {
+        T value{};
+        if (offset <= length_ && sizeof(T) <= length_ - offset) std::memcpy(&value, data_ + offset, sizeof(T));
+        return value;
+    }
+    const uint8_t *data_;
+    uint32_t length_;
+    const RynDriverBuffer *buffers_;
+    uint32_t bufferCount_;
+};
+
+// The reply block: writes outside it are dropped.
+class Output {
+public:
+    Output(uint8_t *data, uint32_t length) : data_(data), length_(length) {}
+    uint32_t length() const { return length_; }
+    Output &u32(uint32_t offset, uint32_t value) { return write(offset, &value, 4); }
+    Output &u16(uint32_t offset, uint16_t value) { return write(offset, &value, 2); }
+    Output &u8(uint32_t offset, uint8_t value) { return write(offset, &value, 1); }
+    Output &write(uint32_t offset, const void *bytes, uint32_t count) {
+        if (offset <= length_ && count <= length_ - offset && count != 0) std::memcpy(data_ + offset, bytes, count);
+        return *this;
+    }
+
+private:
+    uint8_t *data_;
+    uint32_t length_;
+};
+
+class Board;
+
+// One request being answered.
+struct Call {
+    Board &board;
+    Object *object;  // the object of the handle at offset 16 (family requests), else nullptr
+    const Input &in;
+    Output &out;
+    uint32_t replyLength = 0;  // set by handlers whose reply length follows the request
+};
+
+using Handler = uint32_t (*)(Call &);
+
+inline constexpr uint32_t kResultLast = 0xFFFFFFFFu;
+
+// One request a family answers.
+struct Row {
+    uint32_t function;
+    uint32_t requestLength;  // exact, unless `minimumLength`
+    uint32_t replyLength;
+    Handler handler;
+    uint32_t resultOffset = kResultLast;  // the last 32-bit word unless given
+    bool minimumLength = false;           // requests whose length follows their data
+};
+
+using Table = std::span<const Row>;
+
+// The request table of each family (one per family file).
+Table coreTable();
+Table familyTable(Family family);
+
+// Attributes an object has beside the common ones (1 device type, 2 device
+// number, 3 name, 4 state, 5 label). A getter gets the caller's buffer
+// length, for values whose size the caller chooses; a setter returns a
+// result code. Type codes: 0 text with its terminator, 1 Boolean (4 bytes),
+// 2 unsigned 32-bit, 3 binary block.
+struct Attribute {
+    int32_t id;
+    uint32_t type;
+    std::vector<uint8_t> (*get)(Call &call, Object &object, uint32_t capacity);
+    uint32_t (*set)(Call &call, Object &object, std::span<const uint8_t> value);  // nullptr: read-only
+};
+std::span<const Attribute> familyAttributes(Family family);
+
+// Helpers for attribute values.
+std::vector<uint8_t> textValue(const std::string &text);
+std::vector<uint8_t> wordValue(uint32_t value);
+
+// ---- The board ------------------------------------------------------------
+
+struct EventQueue;
+
+class Board {
+public:
+    Board();
+    ~Board();
+
+    std::mutex lock;  // held while a request is answered
+
+    // Objects.
+    Object *find(uint32_t handle);
+    Object *findDevice(int32_t type, uint32_t id);  // a physical device
+    const std::vector<std::unique_ptr<Object>> &objects() const { return objects_; }
+    Object &create(uint32_t kind, int32_t type, Family family, uint32_t parent, std::string name);
+    void destroy(uint32_t handle);
+
+    // Queues a record for every queue that listens to `source` and signals
+    // their events: word 2 the source's device type, word 3 `code`, word 4
+    // the source's handle, words 5 to 7 `values`.
+    void post(const Object &source, uint32_t code, uint32_t value5 = 0, uint32_t value6 = 0, uint32_t value7 = 0);
+    // Queues a whole record into one queue.
+    bool queueRecord(uint32_t queueHandle, const EventData &record);
+
+    // Board time: 100-ns intervals since 1601, advanced by the blocks' sample
+    // clock on top of the host's clock at start.
+    uint64_t now() const;
+    void advance(uint64_t intervals) { offset_ += intervals; }
+
+    // Logical-device and pipe connections (RynDrvConnectLogicalDevice,
+    // RynDrvConnectPipe), as pairs of (handle, port).
+    struct Connection {
+        uint32_t handleA, portA, handleB, portB;
+    };
+    std::vector<Connection> connections;
+
+    uint32_t registerValue(uint32_t handle, uint32_t offset) const;
+    void setRegister(uint32_t handle, uint32_t offset, uint32_t value);
+
+private:
+    std::vector<std::unique_ptr<Object>> objects_;
+    std::vector<std::pair<uint64_t, uint32_t>> registers_;  // (handle << 32 | offset, value)
+    uint32_t nextSerial_ = 1;
+    uint64_t start_;
+    uint64_t offset_ = 0;
+};
+
+// The event queue of a queue object (kind 3).
+struct EventQueue : ObjectState {
+    static constexpr size_t kCapacity = 256;
+    uint32_t source = 0;    // 0: every object
+    OsaHandle event = 0;    // the application's event object, 0 for none
+    std::vector<EventData> records;
+    uint32_t dropped = 0;   // records lost to a full queue
+};
+
+void buildDeviceTree(Board &board);
+
+// Answers one request; returns 0 when the output cannot hold even a
+// failure reply (the call then fails and nothing is written).
+int answer(Board &board, const RynDriverRequest &request, uint32_t *returned);
+
+}  // namespace vb

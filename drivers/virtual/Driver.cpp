@@ -1,0 +1,180 @@
+// The module's entry point and the answering of one request: finding its
+// row, checking the block lengths, running the handler under the board's
+// lock and storing its result code.
+#include <algorithm>
+
+#include "Families.h"
+
+namespace vb {
+
+const RynDriverBuffer *Input::buffer(uint32_t offset) const {
+    const uint32_t field = u32(offset);
+    if (field == 0 || buffers_ == nullptr) return nullptr;
+    if constexpr (sizeof(void *) > 4) {
+        return field <= bufferCount_ ? &buffers_[field - 1] : nullptr;
+    } else {
+        for (uint32_t i = 0; i < bufferCount_; ++i)
+            if (reinterpret_cast<uintptr_t>(buffers_[i].address) == field) return &buffers_[i];
+        return nullptr;
+    }
+}
+
+Table familyTable(Family family) {
+    switch (family) {
+        case Family::Board: return boardControlsTable();
+        case Family::T1E1: return t1e1Table();
+        case Family::Bri: return briTable();
+        case Family::Dsp: return dspTable();
+        case Family::Hdlc: return hdlcTable();
+        case Family::RawData: return rawDataTable();
+        case Family::Burst: return burstTable();
+        case Family::Pots: return potsTable();
+        case Family::Slic: return slicTable();
+        case Family::Jtag: return jtagTable();
+        case Family::Tone: return toneTable();
+        case Family::Telephony: return telephonyTable();
+        case Family::DataMixer: return dataMixerTable();
+        case Family::DspPots: return dspPotsTable();
+        case Family::EventQueue:
+        case Family::Pipe: return {};
+    }
+    return {};
+}
+
+std::span<const Attribute> familyAttributes(Family family) {
+    switch (family) {
+        case Family::Board: return boardControlsAttributes();
+        case Family::T1E1: return t1e1Attributes();
+        case Family::Bri: return briAttributes();
+        case Family::Dsp: return dspAttributes();
+        case Family::Hdlc: return hdlcAttributes();
+        case Family::RawData: return rawDataAttributes();
+        case Family::Burst: return burstAttributes();
+        case Family::Pots: return potsAttributes();
+        case Family::Slic: return slicAttributes();
+        case Family::Jtag: return jtagAttributes();
+        case Family::Tone: return toneAttributes();
+        case Family::Telephony: return telephonyAttributes();
+        case Family::DataMixer: return dataMixerAttributes();
+        case Family::DspPots: return dspPotsAttributes();
+        case Family::EventQueue:
+        case Family::Pipe: return {};
+    }
+    return {};
+}
+
+namespace {
+
+constexpr uint32_t kCoreFirst = 0x80A;
+constexpr uint32_t kCoreLast = 0x8D5;
+constexpr uint32_t kSmallestReply = 12;
+
+// A failure found before the request's reply layout is known: the code goes
+// where the library looks in the common reply (offset 8) and where it looks
+// in every reply whose code comes last. Nothing else is written, so the
+// caller's blocks keep their content.
+int refuse(const RynDriverRequest &request, uint32_t code, uint32_t *returned) {
+    Output out(static_cast<uint8_t *>(request.output), request.outputLength);
+    out.u32(8, code).u32((request.outputLength - 4) & ~1u, code);
+    *returned = request.outputLength;
+    return 1;
+}
+
+const Row *findRow(Table table, uint32_t function) {
+    auto row = std::find_if(table.begin(), table.end(), [&](const Row &r) { return r.function == function; });
+    return row == table.end() ? nullptr : &*row;
+}
+
+}  // namespace
+
+int answer(Board &board, const RynDriverRequest &request, uint32_t *returned) {
+    if (request.output == nullptr || request.outputLength < kSmallestReply) return 0;
+    if (request.input == nullptr && request.inputLength != 0) return refuse(request, VB_FAILURE(kLengthMismatch), returned);
+    const Input in(static_cast<const uint8_t *>(request.input), request.inputLength, request.buffers,
+                   request.bufferCount);
+    if ((request.code & 0xFFFF0003u) != 0x220000u) return refuse(request, VB_FAILURE(kNotProvided), returned);
+    const uint32_t function = (request.code >> 2) & 0x3FFFu;
+
+    std::lock_guard<std::mutex> guard(board.lock);
+    Object *object = nullptr;
+    Table table;
+    if (function >= kCoreFirst && function <= kCoreLast) {
+        table = coreTable();
+    } else {
+        if (in.length() < 20) return refuse(request, VB_FAILURE(kLengthMismatch), returned);
+        object = board.find(in.u32(16));
+        if (object == nullptr) return refuse(request, VB_FAILURE(kInvalidHandle), returned);
+        table = familyTable(object->family);
+    }
+    const Row *row = findRow(table, function);
+    if (row == nullptr) return refuse(request, VB_FAILURE(kNotProvided), returned);
+    const bool lengthFits = row->minimumLength ? in.length() >= row->requestLength : in.length() == row->requestLength;
+    if (!lengthFits || request.outputLength < row->replyLength)
+        return refuse(request, VB_FAILURE(kLengthMismatch), returned);
+
+    const uint32_t replyLength = row->replyLength;
+    std::memset(request.output, 0, replyLength);
+    Output out(static_cast<uint8_t *>(request.output), request.outputLength);
+    Call call{board, object, in, out};
+    const uint32_t result = row->handler(call);
+    // A handler that sizes its reply itself (attribute values) reports the
+    // length through *returned's place in the call; the others use the row.
+    const uint32_t resultOffset = row->resultOffset == kResultLast ? replyLength - 4 : row->resultOffset;
+    out.u32(resultOffset, result);
+    *returned = call.replyLength != 0 ? call.replyLength : replyLength;
+    return 1;
+}
+
+namespace {
+
+std::mutex openLock;
+Board *board = nullptr;
+unsigned connections = 0;
+
+struct Connection {
+    Board *board;
+};
+
+void *openDevice(const char *name) {
+    (void)name;  // "RYNDRV" and "RYNNET" reach the same board
+    std::lock_guard<std::mutex> guard(openLock);
+    try {
+        if (connections == 0) board = new Board();
+        auto *connection = new Connection{board};
+        ++connections;
+        return connection;
+    } catch (...) {
+        if (connections == 0) {
+            delete board;
+            board = nullptr;
+        }
+        return nullptr;
+    }
+}
+
+int controlDevice(void *device, const RynDriverRequest *request, uint32_t *returned) {
+    if (device == nullptr || request == nullptr || returned == nullptr) return 0;
+    try {
+        return answer(*static_cast<Connection *>(device)->board, *request, returned);
+    } catch (...) {
+        return 0;  // memory ran out while answering: the call fails
+    }
+}
+
+void closeDevice(void *device) {
+    std::lock_guard<std::mutex> guard(openLock);
+    delete static_cast<Connection *>(device);
+    if (--connections == 0) {
+        delete board;
+        board = nullptr;
+    }
+}
+
+constexpr RynUserDriver kDriver{RYN_USER_DRIVER_ABI, openDevice, controlDevice, closeDevice};
+
+}  // namespace
+}  // namespace vb
+
+extern "C" __attribute__((visibility("default"))) const RynUserDriver *RynUserDriverEntry(void) {
+    return &vb::kDriver;
+}

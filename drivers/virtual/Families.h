@@ -1,0 +1,30 @@
+// The request tables and attributes of each family of the board, one pair
+// per family file.
+#pragma once
+
+#include "Board.h"
+
+namespace vb {
+
+#define VB_FAMILY(name)    \
+    Table name##Table();   \
+    std::span<const Attribute> name##Attributes();
+
+VB_FAMILY(boardControls)
+VB_FAMILY(t1e1)
+VB_FAMILY(bri)
+VB_FAMILY(dsp)
+VB_FAMILY(hdlc)
+VB_FAMILY(rawData)
+VB_FAMILY(burst)
+VB_FAMILY(pots)
+VB_FAMILY(slic)
+VB_FAMILY(jtag)
+VB_FAMILY(tone)
+VB_FAMILY(telephony)
+VB_FAMILY(dataMixer)
+VB_FAMILY(dspPots)
+
+#undef VB_FAMILY
+
+}  // namespace vb

@@ -1,0 +1,10 @@
+// Tone requests of the virtual board (not written yet: every request is
+// refused as not provided).
+#include "Families.h"
+
+namespace vb {
+
+Table toneTable() { return {}; }
+std::span<const Attribute> toneAttributes() { return {}; }
+
+}  // namespace vb
