@@ -466,7 +466,7 @@ constexpr Row kCore[] = {
     {0x815, 20, 12, accept},
     {0x816, 20, 16, getState},
     {0x817, 24, 24, getAttributeType},
-    {0x818, 28, 17, getAttributeValue, 8},
+    {0x818, 28, 16, getAttributeValue, 8},  // the value area is left as the caller sent it
     {0x819, 29, 12, setAttributeValue, kResultLast, true},
     {0x81A, 24, 12, accept},
     {0x81B, 32, 12, resultCode2String},

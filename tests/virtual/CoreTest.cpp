@@ -1,0 +1,137 @@
+// The device core on the virtual board: the device tree, handles, attributes,
+// event queues across threads, connections, and requests that lie.
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "virtual/VirtualBoard.h"
+
+namespace vt {
+namespace {
+
+TEST_F(VirtualBoardTest, EnumerationWalksTheDeviceTree) {
+    std::vector<int32_t> types;
+    int32_t iterator = 0;
+    RynDrvIteratorBegin(&iterator);
+    while (RynDrvIsIteratorEnd(&iterator)) {
+        int32_t type = 0;
+        ASSERT_EQ(RynDrvEnumDeviceType(0, &iterator, &type), 0u);
+        types.push_back(type);
+    }
+    EXPECT_EQ(types, (std::vector<int32_t>{kBoard, kT1E1, kDsp, kHdlc, kRawData, kBurst, kPots, kSlic, kJtag}));
+
+    std::vector<uint32_t> ids;
+    for (RynDrvIteratorBegin(&iterator); RynDrvIsIteratorEnd(&iterator);) {
+        uint32_t id = 99;
+        ASSERT_EQ(RynDrvEnumDevice(0, kT1E1, &iterator, &id), 0u);
+        ids.push_back(id);
+    }
+    EXPECT_EQ(ids, (std::vector<uint32_t>{0, 1}));
+
+    // Handles: physical kind, stable, the same from the open call; no third span.
+    DeviceHandle opened = 0;
+    EXPECT_EQ(RynDrvOpenPhysicalDevice(kT1E1, 1, 0, 0, 0, &opened), 0u);
+    EXPECT_EQ(opened, device(kT1E1, 1));
+    EXPECT_EQ(opened & RYN_HANDLE_KIND_MASK, RYN_HANDLE_PHYSICAL);
+    DeviceHandle none = 0;
+    EXPECT_TRUE(failed(RynDrvGetDeviceHandle(0, kT1E1, 2, &none)));
+    EXPECT_EQ(none, 0xFFFFFFFFu);
+}
+
+TEST_F(VirtualBoardTest, AttributesOfTheDriverAndOfObjects) {
+    char text[32] = {};
+    EXPECT_EQ(RynDrvGetAttributeValueSz(0, 13, text, sizeof text), 0u);
+    EXPECT_STREQ(text, "1.01.47.0");
+    const DeviceHandle dsp = device(kDsp, 1);
+    EXPECT_EQ(RynDrvGetAttributeValueSz(dsp, 3, text, sizeof text), 0u);
+    EXPECT_STREQ(text, "DSP 1");
+
+    // The label is the application's; the device type is read-only.
+    uint32_t value = 0;
+    EXPECT_EQ(RynDrvSetAttributeValueUint32(dsp, 5, 0xC0FFEE), 0u);
+    EXPECT_EQ(RynDrvGetAttributeValueUint32(dsp, 5, &value), 0u);
+    EXPECT_EQ(value, 0xC0FFEEu);
+    EXPECT_TRUE(failed(RynDrvSetAttributeValueUint32(dsp, 1, 7)));
+    uint32_t type = 0, size = 0, flags = 0;
+    EXPECT_EQ(RynDrvGetAttributeType(dsp, 1, &type, &size, &flags), 0u);
+    EXPECT_EQ(type * 100 + size, 204u);
+
+    // A buffer too small for the value: error 9, the size reported, the buffer kept.
+    char small[4] = {'x', 'x', 'x', 'x'};
+    uint32_t length = 0;
+    const ResultCode code = RynDrvGetAttributeValue(0, 13, small, sizeof small, &length);
+    EXPECT_EQ(errorOf(code), 9u);
+    EXPECT_EQ(length, 10u);
+    EXPECT_EQ(std::memcmp(small, "xxxx", 4), 0);
+    EXPECT_EQ(errorOf(RynDrvGetAttributeValueUint32(dsp, 999, &value)), 16u);
+}
+
+TEST_F(VirtualBoardTest, EventQueuesDeliverAcrossThreads) {
+    const DeviceHandle span = device(kT1E1);
+    EventListener listener(span);
+    EventData record{};
+    std::thread poster([&] { RynDrvSetEventData(span, 0, 77, 1, 2, 3, 4); });
+    ASSERT_TRUE(listener.next(record));
+    poster.join();
+    EXPECT_EQ(record.word[3], 77u);
+    EXPECT_EQ(record.word[7], 4u);
+    EXPECT_NE(record.word[0] | record.word[1], 0u);  // board time
+
+    // Other objects' events do not reach this queue; an empty queue says so.
+    RynDrvEnable(device(kDsp), 0, 0);
+    const ResultCode empty = RynDrvGetEventData(listener.queue(), &record);
+    EXPECT_FALSE(failed(empty));
+    EXPECT_EQ(errorOf(empty), 1u);
+    char text[256];
+    EXPECT_EQ(RynDrvEventCode2String(0, 0x0500, 0, text), 0u);
+    EXPECT_STREQ(text, "DTMF digit detected");
+}
+
+TEST_F(VirtualBoardTest, BlocksPipesAndConnectionsLiveUntilClosed) {
+    DeviceHandle pipe = 0, generator = block(103), closed = 0;
+    ASSERT_EQ(RynDrvCreatePipe(0, &pipe), 0u);
+    EXPECT_EQ(generator & RYN_HANDLE_KIND_MASK, RYN_HANDLE_LOGICAL);
+    EXPECT_EQ(RynDrvConnectLogicalDevice(generator, 0, pipe, 0), 0u);
+    EXPECT_EQ(RynDrvConnectPipe(pipe, 1, device(kT1E1), 3, nullptr, 0), 0u);
+    EXPECT_EQ(RynDrvDisconnectLogicalDevice(generator, 0, pipe, 0), 0u);
+    EXPECT_TRUE(failed(RynDrvDisconnectLogicalDevice(generator, 0, pipe, 0)));
+    // No blocks on a line device; no block of an unknown type.
+    EXPECT_EQ(errorOf(RynDrvCreateLogicalDevice(device(kT1E1), 103, 0, 0, &closed)), 11u);
+    EXPECT_EQ(errorOf(RynDrvCreateLogicalDevice(device(kDsp), 99, 0, 0, &closed)), 17u);
+    EXPECT_EQ(RynDrvClose(generator), 0u);
+    uint32_t state = 0;
+    EXPECT_EQ(sourceOf(RynDrvGetState(generator, &state)), kBoardSource);
+}
+
+TEST_F(VirtualBoardTest, LyingRequestsAreAnsweredWithFailures) {
+    OsaHandle connection = 0;
+    ASSERT_EQ(RynDrvGetHandle(&connection), 0u);
+    uint8_t request[64] = {};
+    uint8_t reply[64];
+    uint32_t returned = 0;
+    const auto send = [&](uint32_t function, uint32_t requestLength, uint32_t replyLength) {
+        std::memset(reply, 0xAA, sizeof reply);
+        returned = 0;
+        const int ok = OsaDeviceIoControl(connection, 0x220000u | (function << 2), request, requestLength, reply,
+                                          replyLength, &returned);
+        uint32_t code = 0;
+        std::memcpy(&code, reply + 8, 4);
+        return ok != 0 ? code : 0u;
+    };
+    const DeviceHandle hdlc = device(kHdlc), dsp = device(kDsp);
+    std::memcpy(request + 16, &dsp, 4);
+    EXPECT_EQ(errorOf(send(0x816, 19, 16)), 12u);  // short request
+    EXPECT_EQ(errorOf(send(0x816, 20, 12)), 12u);  // short reply
+    EXPECT_EQ(reply[20], 0xAA);                      // nothing past the reply
+    EXPECT_EQ(send(0x816, 20, 8), 0u);             // no room for a code: the call fails
+    EXPECT_EQ(returned, 0u);
+    std::memcpy(request + 16, &hdlc, 4);
+    EXPECT_EQ(errorOf(send(0x9A4, 20, 16)), 6u);   // a DSP request to an HDLC channel
+    const uint32_t bogus = 0x70000001;
+    std::memcpy(request + 16, &bogus, 4);
+    EXPECT_EQ(errorOf(send(0x99A, 20, 12)), 11u);
+}
+
+}  // namespace
+}  // namespace vt
