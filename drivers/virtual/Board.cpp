@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <chrono>
 
-#include "Board.h"
+#include "Families.h"
 
 namespace vb {
 
@@ -90,6 +90,31 @@ void Board::post(const Object &source, uint32_t code, uint32_t value5, uint32_t 
         if (o->family != Family::EventQueue) continue;
         const uint32_t wanted = o->as<EventQueue>().source;
         if (wanted == 0 || wanted == source.handle || wanted == source.parent) queueRecord(o->handle, record);
+    }
+}
+
+void Board::deliver(const Object &source, std::span<const int16_t> samples) {
+    // Follows connections from `source`, through pipes, to the blocks that
+    // take samples; a pipe is passed once, so a loop of pipes ends.
+    std::vector<uint32_t> visited{source.handle};
+    std::vector<uint32_t> pending{source.handle};
+    while (!pending.empty()) {
+        const uint32_t from = pending.back();
+        pending.pop_back();
+        for (size_t i = 0; i < connections.size(); ++i) {
+            const uint32_t to = connections[i].handleA == from ? connections[i].handleB : 0;
+            if (to == 0 || std::find(visited.begin(), visited.end(), to) != visited.end()) continue;
+            visited.push_back(to);
+            Object *target = find(to);
+            if (target == nullptr) continue;
+            if (target->family == Family::Pipe) {
+                pending.push_back(to);
+            } else if (target->family == Family::Tone) {
+                toneReceive(*this, *target, samples);
+            } else if (target->family == Family::Telephony) {
+                telephonyReceive(*this, *target, samples);
+            }
+        }
     }
 }
 

@@ -304,6 +304,12 @@ public:
     };
     std::vector<Connection> connections;
 
+    // Sample flow: a block that produces 8 kHz samples hands them on to every
+    // block its output is connected to, directly (source as the first handle
+    // of a logical-device connection) or through pipes, and the receiving
+    // family's sample sink runs them.
+    void deliver(const Object &source, std::span<const int16_t> samples);
+
     uint32_t registerValue(uint32_t handle, uint32_t offset) const;
     void setRegister(uint32_t handle, uint32_t offset, uint32_t value);
 
@@ -325,6 +331,9 @@ struct EventQueue : ObjectState {
 };
 
 void buildDeviceTree(Board &board);
+
+// One 8 kHz sample period in board-time units (100 ns).
+inline constexpr uint64_t kSampleInterval = 1250;
 
 // Answers one request; returns 0 when the output cannot hold even a
 // failure reply (the call then fails and nothing is written).

@@ -27,4 +27,8 @@ VB_FAMILY(dspPots)
 
 #undef VB_FAMILY
 
+// Sample sinks of the families whose blocks take samples in.
+void toneReceive(Board &board, Object &block, std::span<const int16_t> samples);
+void telephonyReceive(Board &board, Object &block, std::span<const int16_t> samples);
+
 }  // namespace vb

@@ -5,6 +5,7 @@
 namespace vb {
 
 Table telephonyTable() { return {}; }
+void telephonyReceive(Board &, Object &, std::span<const int16_t>) {}
 std::span<const Attribute> telephonyAttributes() { return {}; }
 
 }  // namespace vb

@@ -5,6 +5,7 @@
 namespace vb {
 
 Table toneTable() { return {}; }
+void toneReceive(Board &, Object &, std::span<const int16_t>) {}
 std::span<const Attribute> toneAttributes() { return {}; }
 
 }  // namespace vb
