@@ -1,66 +1,11 @@
-// rynctl: a command-line view of the library and the driver it reaches.
-//
-//   rynctl info                  library version, driver device, driver's
-//                                answer to the version announcement
-//   rynctl coff FILE             what a DSP program file holds
-//   rynctl image FILE -o OUT     a program image made from a program file
-//   rynctl spm list              the built-in signal-processing modules
-//   rynctl spm run DEVICE MODULE runs a built-in module on a DSP
-#include <cstdio>
-#include <cstdlib>
+// Program files and images: what a DSP program file holds, and program
+// images made from one through the library's create calls.
 #include <cstring>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
 
-#include "RynHwDll.h"
+#include "Rynctl.h"
 #include "dsp/Coff.h"
 
-namespace {
-
-void printResult(const char *what, ResultCode code) {
-    uint32_t error = 0, severity = 0, source = 0, line = 0;
-    RynResultCode(code, &error, &severity, &source, &line);
-    std::printf("%-22s 0x%08X (%s, source 0x%02X, line %u, error %u)\n", what, code,
-                RynFailure(code) ? "failure" : "success", source, line, error & 0xFFu);
-}
-
-// Attribute reads go through the decorated entry point, which asks for the
-// identifier as given: the undecorated one renumbers identifiers for older
-// drivers, which would miss the library's own attributes and the driver's
-// version text.
-ResultCode readText(DeviceHandle handle, int32_t attribute, char *text, uint32_t size) {
-    return RynDrvGetAttributeValueSz_16(handle, attribute, text, size);
-}
-
-int info() {
-    char version[16] = {};
-    readText(RYN_LIBRARY_PSEUDO_HANDLE, 9, version, sizeof version);
-    char module[16] = {};
-    readText(RYN_LIBRARY_PSEUDO_HANDLE, 11, module, sizeof module);
-    std::printf("%-22s %s %s\n", "library", module, version);
-    const ResultCode connected = RynDrvConnectLib();
-    OsaHandle handle = INVALID_HANDLE_VALUE;
-    if (RynDrvGetHandle(&handle) != 0) {
-        std::printf("%-22s not opened (no driver answers to \"RYNDRV\")\n", "driver device");
-        printResult("connect", connected);
-        return 1;
-    }
-    std::printf("%-22s opened (handle %u)\n", "driver device", handle);
-    printResult("version announcement", connected);
-    char driverVersion[80] = {};
-    const ResultCode read = readText(RYN_DRIVER_PSEUDO_HANDLE, 13, driverVersion, sizeof driverVersion);
-    if (RynSuccess(read)) {
-        std::printf("%-22s %.79s\n", "driver version", driverVersion);
-    } else {
-        printResult("driver version", read);
-    }
-    RynDrvReleaseLib();
-    return 0;
-}
-
-// ---- Program files and images ----------------------------------------------
+namespace rynctl {
 
 std::optional<std::vector<uint8_t>> readFile(const char *path) {
     FILE *file = std::fopen(path, "rb");
@@ -74,6 +19,8 @@ std::optional<std::vector<uint8_t>> readFile(const char *path) {
     if (failed) return std::nullopt;
     return bytes;
 }
+
+namespace {
 
 // Why a program file or an entry name was refused, by error number.
 std::string refusal(uint32_t error, const char *path, const char *entry, bool records) {
@@ -106,6 +53,8 @@ int coffUsage(FILE *to) {
                  "whether the loader sends it) and the entry address the loader would start it at.\n");
     return to == stdout ? 0 : 2;
 }
+
+}  // namespace
 
 int coff(int argc, char **argv) {
     const char *path = nullptr;
@@ -151,6 +100,8 @@ int coff(int argc, char **argv) {
     return 0;
 }
 
+namespace {
+
 int imageUsage(FILE *to) {
     std::fprintf(to,
                  "usage: rynctl image FILE -o OUT [--records] [--entry NAME]\n"
@@ -159,6 +110,8 @@ int imageUsage(FILE *to) {
                  "files). Prints the image's length in words and its entry address.\n");
     return to == stdout ? 0 : 2;
 }
+
+}  // namespace
 
 int image(int argc, char **argv) {
     const char *path = nullptr, *out = nullptr, *entry = "";
@@ -214,85 +167,4 @@ int image(int argc, char **argv) {
     return 0;
 }
 
-// ---- Built-in modules ----------------------------------------------------------
-
-struct SpmRow {
-    uint32_t module, dspType;
-    const char *form;
-    uint32_t length, entry;
-    const char *text;
-};
-
-constexpr SpmRow kSpmRows[] = {
-#define RYN_SPM_MODULE(module, type, form, length, entry, text) {module, type, #form, length, entry, text},
-#include "ModuleTable.inc"
-#undef RYN_SPM_MODULE
-};
-
-int spmUsage(FILE *to) {
-    std::fprintf(to,
-                 "usage: rynctl spm list\n"
-                 "       rynctl spm run DEVICE MODULE\n"
-                 "list prints the built-in signal-processing modules: identifier, DSP type, kind of image,\n"
-                 "length in words, entry address and the text the image carries. run connects to the driver\n"
-                 "and runs module MODULE on the DSP whose driver handle is DEVICE (for example 0x20000011),\n"
-                 "choosing the image by the DSP type the driver reports.\n");
-    return to == stdout ? 0 : 2;
-}
-
-std::string printable(const char *text) {
-    std::string out;
-    for (; *text != '\0'; ++text) out += *text == '\n' ? std::string("\\n") : std::string(1, *text);
-    return out;
-}
-
-int spm(int argc, char **argv) {
-    if (argc == 1 && std::strcmp(argv[0], "list") == 0) {
-        std::printf("module  DSP type  image                 length  entry     text\n");
-        for (const SpmRow &row : kSpmRows) {
-            const char *kind = std::strcmp(row.form, "CommandStream") == 0 ? "command stream"
-                               : std::strcmp(row.form, "Records1") == 0    ? "word records (v1)"
-                                                                           : "byte records (v2)";
-            std::printf("%6u  %8u  %-20s %7u  0x%05X   %s\n", row.module, row.dspType, kind, row.length, row.entry,
-                        printable(row.text).c_str());
-        }
-        return 0;
-    }
-    if (argc == 3 && std::strcmp(argv[0], "run") == 0) {
-        char *end = nullptr;
-        const unsigned long device = std::strtoul(argv[1], &end, 0);
-        char *moduleEnd = nullptr;
-        const unsigned long module = std::strtoul(argv[2], &moduleEnd, 0);
-        if (*end != '\0' || *moduleEnd != '\0' || device > 0xFFFFFFFFul || module > 0xFFFFFFFFul)
-            return spmUsage(stderr);
-        const ResultCode connected = RynDrvConnectLib();
-        if (RynFailure(connected)) {
-            printResult("connect", connected);
-            return 1;
-        }
-        const ResultCode result = RynDspRunSpm(static_cast<DeviceHandle>(device), static_cast<uint32_t>(module));
-        printResult("run module", result);
-        RynDrvReleaseLib();
-        return RynFailure(result) ? 1 : 0;
-    }
-    return spmUsage(argc == 1 && std::strcmp(argv[0], "--help") == 0 ? stdout : stderr);
-}
-
-int usage() {
-    std::fprintf(stderr,
-                 "usage: rynctl info\n"
-                 "       rynctl coff FILE [--entry NAME]\n"
-                 "       rynctl image FILE -o OUT [--records] [--entry NAME]\n"
-                 "       rynctl spm list | run DEVICE MODULE\n");
-    return 2;
-}
-
-}  // namespace
-
-int main(int argc, char **argv) {
-    if (argc == 2 && std::strcmp(argv[1], "info") == 0) return info();
-    if (argc >= 2 && std::strcmp(argv[1], "coff") == 0) return coff(argc - 2, argv + 2);
-    if (argc >= 2 && std::strcmp(argv[1], "image") == 0) return image(argc - 2, argv + 2);
-    if (argc >= 2 && std::strcmp(argv[1], "spm") == 0) return spm(argc - 2, argv + 2);
-    return usage();
-}
+}  // namespace rynctl
