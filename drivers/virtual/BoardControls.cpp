@@ -1,10 +1,80 @@
-// BoardControls requests of the virtual board (not written yet: every request is
-// refused as not provided).
+// Board controls of the virtual board: the clocks, the codecs' companding
+// law and the constant bytes of the time-slot switch (TSS). Every call stores
+// its values; attributes read them back.
+#include <map>
+
 #include "Families.h"
 
 namespace vb {
+namespace {
 
-Table boardControlsTable() { return {}; }
-std::span<const Attribute> boardControlsAttributes() { return {}; }
+// Clock source: 0 the board's oscillator, 1 span 0's receive clock, 2 span
+// 1's, 3 the external reference; clock mode: 0 the board drives the bus
+// clock, 1 it follows it.
+constexpr uint32_t kSourceLast = 3, kClockModeLast = 1;
+constexpr uint32_t kMuLaw = 0, kALaw = 1;
+// The TSS has 8 streams of 32 time slots.
+constexpr uint32_t kStreams = 8, kTimeSlots = 32;
+
+struct Controls : ObjectState {
+    uint32_t clockSource = 0, clockMode = 0, law = kMuLaw;
+    std::map<uint32_t, uint8_t> constants;  // stream * 32 + slot: the byte sent
+};
+
+Controls &controlsOf(Call &call) { return call.object->as<Controls>(); }
+
+uint32_t setClocks(Call &call) {
+    const uint32_t source = call.in.u32(20), mode = call.in.u32(24);
+    if (source > kSourceLast || mode > kClockModeLast) return VB_FAILURE(kOutOfRange);
+    controlsOf(call).clockSource = source;
+    controlsOf(call).clockMode = mode;
+    return 0;
+}
+
+// Stream, time slot, then the byte that slot sends from now on.
+uint32_t tssConstByte(Call &call) {
+    const uint32_t stream = call.in.u32(20), slot = call.in.u32(24);
+    if (stream >= kStreams || slot >= kTimeSlots) return VB_FAILURE(kOutOfRange);
+    controlsOf(call).constants[stream * kTimeSlots + slot] = call.in.u8(28);
+    return 0;
+}
+
+uint32_t codecSetLaw(Call &call) {
+    if (call.in.u32(20) > kALaw) return VB_FAILURE(kOutOfRange);
+    controlsOf(call).law = call.in.u32(20);
+    return 0;
+}
+
+constexpr Row kRows[] = {
+    {0x99A, 28, 12, setClocks},
+    {0x99B, 30, 12, tssConstByte},
+    {0x99C, 24, 12, codecSetLaw},
+};
+
+template <uint32_t Controls::*Field>
+std::vector<uint8_t> word(Call &, Object &object, uint32_t) {
+    return wordValue(object.as<Controls>().*Field);
+}
+
+// Four bytes per constant slot, in stream and slot order: stream, slot, the
+// byte, 0.
+std::vector<uint8_t> constants(Call &, Object &object, uint32_t) {
+    std::vector<uint8_t> value;
+    for (const auto &[key, byte] : object.as<Controls>().constants)
+        value.insert(value.end(), {uint8_t(key / kTimeSlots), uint8_t(key % kTimeSlots), byte, 0});
+    return value;
+}
+
+const Attribute kAttributes[] = {
+    {40, 2, word<&Controls::clockSource>, nullptr},
+    {41, 2, word<&Controls::clockMode>, nullptr},
+    {42, 2, word<&Controls::law>, nullptr},
+    {43, 3, constants, nullptr},
+};
+
+}  // namespace
+
+Table boardControlsTable() { return kRows; }
+std::span<const Attribute> boardControlsAttributes() { return kAttributes; }
 
 }  // namespace vb

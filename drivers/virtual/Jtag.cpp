@@ -1,10 +1,88 @@
-// Jtag requests of the virtual board (not written yet: every request is
-// refused as not provided).
+// The JTAG port of the virtual board: a scan chain of one device with a
+// 4-bit instruction register and two data registers, BYPASS (1 bit) and
+// IDCODE (32 bits). Vectors are strings of '0' and '1', one character per
+// clock: the first character goes into TDI first, and output character i is
+// what TDO gave at clock i, so a register comes out least significant bit
+// first. A scan captures the register (the instruction register captures
+// 0001), shifts, and an instruction scan then updates the instruction.
+#include <algorithm>
+#include <cstring>
+
 #include "Families.h"
 
 namespace vb {
+namespace {
 
-Table jtagTable() { return {}; }
-std::span<const Attribute> jtagAttributes() { return {}; }
+constexpr uint32_t kIrBits = 4, kIrCapture = 0x1;
+constexpr uint32_t kIdcodeInstruction = 0x2;  // every other code, 0xF among them, selects BYPASS
+constexpr uint32_t kIdcode = 0x1D00A0F1;
+// Control: 0 resets the TAP (the instruction becomes IDCODE), 1 enables the
+// port, 2 disables it (scans are refused).
+constexpr uint32_t kReset = 0, kEnable = 1, kDisable = 2;
+// Scan request: bit count (0: the whole input) at 20, input block at 24 and
+// its size at 28, output block at 32 and its size at 36.
+constexpr uint32_t kCount = 20, kInput = 24, kInputSize = 28, kOutput = 32, kOutputSize = 36;
+
+struct Port : ObjectState {
+    bool enabled = true;
+    uint32_t instruction = kIdcodeInstruction;
+};
+
+uint32_t control(Call &call) {
+    Port &port = call.object->as<Port>();
+    const uint32_t value = call.in.u32(20);
+    if (value > kDisable) return VB_FAILURE(kOutOfRange);
+    if (value == kReset) port.instruction = kIdcodeInstruction;
+    if (value != kReset) port.enabled = value == kEnable;
+    return 0;
+}
+
+template <bool Instruction>
+uint32_t scan(Call &call) {
+    Port &port = call.object->as<Port>();
+    if (!port.enabled) return VB_FAILURE(kFailed);
+    const RynDriverBuffer *input = call.in.buffer(kInput), *output = call.in.buffer(kOutput);
+    if (input == nullptr || output == nullptr || input->address == nullptr || output->address == nullptr)
+        return VB_FAILURE(kOutOfRange);
+    const uint32_t inSize = std::min(call.in.u32(kInputSize), input->length);
+    const uint32_t outSize = std::min(call.in.u32(kOutputSize), output->length);
+    const char *tdi = static_cast<const char *>(input->address);
+    const auto length = static_cast<uint32_t>(strnlen(tdi, inSize));
+    if (length == inSize || std::any_of(tdi, tdi + length, [](char c) { return c != '0' && c != '1'; }))
+        return VB_FAILURE(kMalformed);
+    const uint32_t count = call.in.u32(kCount) == 0 ? length : call.in.u32(kCount);
+    if (count > length || count >= outSize) return VB_FAILURE(kOutOfRange);
+
+    const bool idcode = !Instruction && port.instruction == kIdcodeInstruction;
+    const uint32_t bits = Instruction ? kIrBits : idcode ? 32 : 1;
+    uint64_t shift = Instruction ? kIrCapture : idcode ? kIdcode : 0;
+    char *tdo = static_cast<char *>(output->address);
+    for (uint32_t i = 0; i < count; ++i) {
+        tdo[i] = (shift & 1) != 0 ? '1' : '0';
+        shift = (shift >> 1) | (uint64_t{tdi[i] == '1'} << (bits - 1));
+    }
+    tdo[count] = '\0';
+    if (Instruction) port.instruction = static_cast<uint32_t>(shift & ((1u << kIrBits) - 1));
+    return 0;
+}
+
+constexpr Row kRows[] = {
+    {0x99A, 24, 12, control},
+    {0x99B, 40, 12, scan<true>},
+    {0x99C, 40, 12, scan<false>},
+};
+
+std::vector<uint8_t> instruction(Call &, Object &port, uint32_t) { return wordValue(port.as<Port>().instruction); }
+std::vector<uint8_t> enabled(Call &, Object &port, uint32_t) { return wordValue(port.as<Port>().enabled); }
+
+const Attribute kAttributes[] = {
+    {40, 2, instruction, nullptr},  // the instruction in force
+    {41, 1, enabled, nullptr},      // the port is enabled
+};
+
+}  // namespace
+
+Table jtagTable() { return kRows; }
+std::span<const Attribute> jtagAttributes() { return kAttributes; }
 
 }  // namespace vb

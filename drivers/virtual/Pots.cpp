@@ -1,10 +1,128 @@
-// Pots requests of the virtual board (not written yet: every request is
-// refused as not provided).
+// POTS lines of the virtual board: the board's side of an exchange line, as
+// a telephone set. The application takes the line off hook and puts it on
+// hook, flashes the hook and pulse-dials; since no exchange is wired to a
+// virtual line, its ringing is simulated by a settable attribute. Events:
+// kEventHookChanged (value 5: 1 off hook, 0 on hook), kEventRingStarted and
+// kEventRingStopped (value 5: 0 the ringing ended, 1 answered by going off
+// hook).
+#include <string>
+
 #include "Families.h"
 
 namespace vb {
+namespace {
 
-Table potsTable() { return {}; }
-std::span<const Attribute> potsAttributes() { return {}; }
+constexpr uint32_t kModeLast = 2;  // 0 600 ohm, 1 900 ohm, 2 complex impedance
+constexpr uint32_t kDigitArea = 32, kDigitCount = 160, kDigitLimit = 127;
+constexpr uint32_t kEndedByExchange = 0, kAnswered = 1;
+
+struct Line : ObjectState {
+    bool offHook = false;
+    bool ringing = false;
+    uint32_t mode = 0;
+    uint32_t flashes = 0;  // since the line went off hook
+    std::string dialled;   // digits pulse-dialled since the line went off hook
+};
+
+Line &lineOf(Call &call) { return call.object->as<Line>(); }
+
+void setHook(Board &board, Object &object, bool offHook) {
+    Line &line = object.as<Line>();
+    if (line.offHook == offHook) return;
+    line.offHook = offHook;
+    line.flashes = 0;
+    line.dialled.clear();
+    board.post(object, kEventHookChanged, offHook ? 1 : 0);
+    if (offHook && line.ringing) {
+        line.ringing = false;
+        board.post(object, kEventRingStopped, kAnswered);
+    }
+}
+
+uint32_t offHook(Call &call) {
+    setHook(call.board, *call.object, true);
+    return 0;
+}
+
+uint32_t onHook(Call &call) {
+    setHook(call.board, *call.object, false);
+    return 0;
+}
+
+// Flash time, then two settings that are kept with it; an off-hook line only.
+// A flash recalls the exchange's register: the digits dialled so far are
+// dropped.
+uint32_t hookFlash(Call &call) {
+    Line &line = lineOf(call);
+    if (!line.offHook) return VB_FAILURE(kFailed);
+    if (call.in.u32(20) == 0) return VB_FAILURE(kOutOfRange);
+    ++line.flashes;
+    line.dialled.clear();
+    return 0;
+}
+
+// Decimal digits only ('0' to '9'), on an off-hook line; the timing settings
+// are accepted as they come.
+uint32_t pulseDial(Call &call) {
+    Line &line = lineOf(call);
+    const uint32_t count = call.in.u32(kDigitCount);
+    if (count > kDigitLimit) return VB_FAILURE(kOutOfRange);
+    if (!line.offHook) return VB_FAILURE(kFailed);
+    const auto digits = call.in.bytes(kDigitArea, count);
+    for (uint8_t digit : digits)
+        if (digit < '0' || digit > '9') return VB_FAILURE(kMalformed);
+    line.dialled.append(digits.begin(), digits.end());
+    return 0;
+}
+
+uint32_t setMode(Call &call) {
+    if (call.in.u32(20) > kModeLast) return VB_FAILURE(kOutOfRange);
+    lineOf(call).mode = call.in.u32(20);
+    return 0;
+}
+
+uint32_t getMode(Call &call) {
+    call.out.u32(8, lineOf(call).mode);
+    return 0;
+}
+
+constexpr Row kRows[] = {
+    {0x99A, 20, 12, offHook},    {0x99B, 20, 12, onHook},  {0x99C, 32, 12, hookFlash},
+    {0x99D, 172, 12, pulseDial}, {0x99E, 24, 12, setMode}, {0x99F, 20, 16, getMode},
+};
+
+// ---- Attributes -----------------------------------------------------------
+
+std::vector<uint8_t> ringingValue(Call &, Object &object, uint32_t) { return wordValue(object.as<Line>().ringing); }
+
+// The exchange rings the line (1) or stops (0); an off-hook line is not rung.
+uint32_t setRinging(Call &call, Object &object, std::span<const uint8_t> value) {
+    uint32_t word = 2;
+    if (value.size() == 4) std::memcpy(&word, value.data(), 4);
+    if (word > 1) return VB_FAILURE(kOutOfRange);
+    const bool ring = word == 1;
+    Line &line = object.as<Line>();
+    if (ring && line.offHook) return VB_FAILURE(kFailed);
+    if (ring == line.ringing) return 0;
+    line.ringing = ring;
+    call.board.post(object, ring ? kEventRingStarted : kEventRingStopped, kEndedByExchange);
+    return 0;
+}
+
+std::vector<uint8_t> offHookValue(Call &, Object &object, uint32_t) { return wordValue(object.as<Line>().offHook); }
+std::vector<uint8_t> dialledValue(Call &, Object &object, uint32_t) { return textValue(object.as<Line>().dialled); }
+std::vector<uint8_t> flashesValue(Call &, Object &object, uint32_t) { return wordValue(object.as<Line>().flashes); }
+
+const Attribute kAttributes[] = {
+    {40, 1, ringingValue, setRinging},  // the exchange rings the line
+    {41, 1, offHookValue, nullptr},     // the line is off hook
+    {42, 0, dialledValue, nullptr},     // digits dialled since going off hook
+    {43, 2, flashesValue, nullptr},     // hook flashes since going off hook
+};
+
+}  // namespace
+
+Table potsTable() { return kRows; }
+std::span<const Attribute> potsAttributes() { return kAttributes; }
 
 }  // namespace vb

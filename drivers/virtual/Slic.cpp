@@ -1,10 +1,202 @@
-// Slic requests of the virtual board (not written yet: every request is
-// refused as not provided).
+// SLIC lines of the virtual board: the board plays the exchange towards a
+// telephone set. Since nobody lifts a virtual handset, the set's hook is a
+// settable attribute (40); lifting it posts kEventHookChanged (value 5: 1 off
+// hook, 0 on hook) and answers a ringing line. Ringing posts
+// kEventRingStarted and kEventRingStopped (value 5: 0 stopped by the
+// application, 1 answered, 2 the SLIC was reset).
+//
+// The calls with a value reply answer the line's state word: bit 0 the
+// handset is off hook, bit 1 the line rings, bit 2 the audio path is on,
+// bit 3 the SLIC is held in reset.
+#include <string>
+
 #include "Families.h"
 
 namespace vb {
+namespace {
 
-Table slicTable() { return {}; }
-std::span<const Attribute> slicAttributes() { return {}; }
+enum Tone : uint32_t { kNoTone = 0, kDialTone, kBusyTone, kReorderTone, kCongestionTone, kRingBackTone };
+constexpr uint32_t kStoppedByApplication = 0, kAnswered = 1, kStoppedByReset = 2;
+constexpr uint32_t kField = 20, kNameLength = 15, kNumberLength = 10, kStampLength = 8;
+
+struct Line : ObjectState {
+    bool offHook = false, ringing = false, audio = false, inReset = false;
+    uint32_t tone = kNoTone;
+    uint32_t disconnect = 0;  // the last disconnect signal, 0 none yet
+    std::string name, number, callerId;
+};
+
+Line &lineOf(Call &call) { return call.object->as<Line>(); }
+
+uint32_t stateWord(const Line &line) {
+    return (line.offHook ? 1u : 0) | (line.ringing ? 2u : 0) | (line.audio ? 4u : 0) | (line.inReset ? 8u : 0);
+}
+
+void stopRinging(Board &board, Object &object, uint32_t why) {
+    Line &line = object.as<Line>();
+    if (!line.ringing) return;
+    line.ringing = false;
+    board.post(object, kEventRingStopped, why);
+}
+
+// A call with a value reply: the handler's result, then the state word.
+template <Handler H>
+uint32_t withState(Call &call) {
+    const uint32_t result = H(call);
+    call.out.u32(8, stateWord(lineOf(call)));
+    return result;
+}
+
+// 1 holds the SLIC in reset: ringing, tone and audio stop. 0 releases it.
+uint32_t setResetPin(Call &call) {
+    const uint32_t state = call.in.u32(20);
+    if (state > 1) return VB_FAILURE(kOutOfRange);
+    Line &line = lineOf(call);
+    line.inReset = state == 1;
+    if (line.inReset) {
+        stopRinging(call.board, *call.object, kStoppedByReset);
+        line.tone = kNoTone;
+        line.audio = false;
+    }
+    return 0;
+}
+
+// A tone plays until another tone, ringing, the audio path, a disconnect,
+// the handset's hanging up or a reset.
+template <uint32_t T>
+uint32_t tone(Call &call) {
+    Line &line = lineOf(call);
+    if (line.inReset) return VB_FAILURE(kFailed);
+    line.tone = T;
+    return 0;
+}
+
+uint32_t getHookState(Call &call) {
+    call.out.u32(8, lineOf(call).offHook ? 1 : 0);
+    return 0;
+}
+
+// A line whose handset is off hook is not rung.
+uint32_t startRing(Call &call) {
+    Line &line = lineOf(call);
+    if (line.inReset || line.offHook) return VB_FAILURE(kFailed);
+    if (line.ringing) return 0;
+    line.ringing = true;
+    line.tone = kNoTone;
+    call.board.post(*call.object, kEventRingStarted);
+    return 0;
+}
+
+uint32_t stopRing(Call &call) {
+    stopRinging(call.board, *call.object, kStoppedByApplication);
+    return 0;
+}
+
+uint32_t enableAudio(Call &call) {
+    Line &line = lineOf(call);
+    if (line.inReset) return VB_FAILURE(kFailed);
+    line.audio = true;
+    line.tone = kNoTone;
+    return 0;
+}
+
+// 1 interrupts the loop current, 2 reverses the line's polarity; the audio
+// path and any tone end.
+uint32_t signalDisconnect(Call &call) {
+    const uint32_t signal = call.in.u32(20);
+    if (signal < 1 || signal > 2) return VB_FAILURE(kOutOfRange);
+    Line &line = lineOf(call);
+    if (line.inReset) return VB_FAILURE(kFailed);
+    line.disconnect = signal;
+    line.audio = false;
+    line.tone = kNoTone;
+    return 0;
+}
+
+// The text of a field of `limit` characters, up to its first NUL.
+std::string fieldText(Call &call, uint32_t limit) {
+    const auto bytes = call.in.bytes(kField, limit);
+    std::string text(bytes.begin(), bytes.end());
+    return text.substr(0, text.find('\0'));
+}
+
+bool digitsOnly(const std::string &text) { return text.find_first_not_of("0123456789") == std::string::npos; }
+
+uint32_t setUserName(Call &call) {
+    lineOf(call).name = fieldText(call, kNameLength);
+    return 0;
+}
+
+uint32_t setPhoneNumber(Call &call) {
+    const std::string number = fieldText(call, kNumberLength);
+    if (number.size() != kNumberLength || !digitsOnly(number)) return VB_FAILURE(kMalformed);
+    lineOf(call).number = number;
+    return 0;
+}
+
+// The message goes out as "MMDDhhmm number name", kept as attribute 42.
+uint32_t sendCallerId(Call &call) {
+    const std::string stamp = fieldText(call, kStampLength);
+    if (stamp.size() != kStampLength || !digitsOnly(stamp)) return VB_FAILURE(kMalformed);
+    Line &line = lineOf(call);
+    if (line.inReset) return VB_FAILURE(kFailed);
+    line.callerId = stamp + " " + line.number + " " + line.name;
+    return 0;
+}
+
+constexpr Row kRows[] = {
+    {0x99A, 24, 12, setResetPin},
+    {0x99B, 20, 12, tone<kDialTone>},
+    {0x99C, 20, 12, tone<kBusyTone>},
+    {0x99D, 20, 12, tone<kReorderTone>},
+    {0x99E, 20, 12, tone<kCongestionTone>},
+    {0x9A0, 20, 12, tone<kRingBackTone>},
+    {0x9A1, 20, 16, getHookState},
+    {0x9A2, 20, 16, withState<startRing>},
+    {0x9A3, 20, 16, withState<stopRing>},
+    {0x9A4, 20, 16, withState<enableAudio>},
+    {0x9A5, 24, 16, withState<signalDisconnect>},
+    {0x9A6, 36, 16, withState<setUserName>},
+    {0x9A7, 32, 16, withState<setPhoneNumber>},
+    {0x9A8, 30, 16, withState<sendCallerId>},
+};
+
+// ---- Attributes -----------------------------------------------------------
+
+std::vector<uint8_t> handsetValue(Call &, Object &object, uint32_t) { return wordValue(object.as<Line>().offHook); }
+
+// The phone's user lifts the handset (1) or hangs up (0).
+uint32_t setHandset(Call &call, Object &object, std::span<const uint8_t> value) {
+    uint32_t word = 2;
+    if (value.size() == 4) std::memcpy(&word, value.data(), 4);
+    if (word > 1) return VB_FAILURE(kOutOfRange);
+    Line &line = object.as<Line>();
+    if (line.offHook == (word == 1)) return 0;
+    line.offHook = word == 1;
+    call.board.post(object, kEventHookChanged, word);
+    if (line.offHook) {
+        stopRinging(call.board, object, kAnswered);
+    } else {
+        line.audio = false;
+        line.tone = kNoTone;
+    }
+    return 0;
+}
+
+std::vector<uint8_t> toneValue(Call &, Object &object, uint32_t) { return wordValue(object.as<Line>().tone); }
+std::vector<uint8_t> callerIdValue(Call &, Object &object, uint32_t) { return textValue(object.as<Line>().callerId); }
+std::vector<uint8_t> stateValue(Call &, Object &object, uint32_t) { return wordValue(stateWord(object.as<Line>())); }
+
+const Attribute kAttributes[] = {
+    {40, 1, handsetValue, setHandset},  // the handset is off hook
+    {41, 2, toneValue, nullptr},        // 0 none, 1 dial, 2 busy, 3 reorder, 4 congestion, 5 ring-back
+    {42, 0, callerIdValue, nullptr},    // the last caller identification sent
+    {43, 2, stateValue, nullptr},       // the state word
+};
+
+}  // namespace
+
+Table slicTable() { return kRows; }
+std::span<const Attribute> slicAttributes() { return kAttributes; }
 
 }  // namespace vb
