@@ -350,7 +350,7 @@ int load(int argc, char **argv) {
     const ResultCode result = RynDspRunProgram(*device, path, entry);
     printResult("load and start", result);
     if (RynFailure(result)) return 1;
-    for (int32_t id = 20; id < 30; ++id) printAttribute(*device, id, false);
+    for (int32_t id = 32; id <= 37; ++id) printAttribute(*device, id, false);  // the DSP's program attributes
     return 0;
 }
 
