@@ -1,10 +1,306 @@
-// Hdlc requests of the virtual board (not written yet: every request is
-// refused as not provided).
-#include "Families.h"
+// HDLC and SS7 channels of the virtual board: HDLC channels 0 and 1 (device
+// type 4). The library passes the settings unchanged; what they mean is this
+// driver's, and this board stores them without acting on them.
+//
+// Set-up. RynHdlcSenderInit stores its six settings and readies the sender;
+// RynHdlcReceiverInit stores its seven, readies the receiver and empties its
+// queue. Either may be repeated. Sending (plain, SS7, repeated) or flushing
+// before the sender is set up, and reading, peeking or asking the receive
+// status before the receiver is, is refused with error 13 (kFailed). So is
+// any of them on a channel disabled with RynDrvDisable.
+//
+// Loopback. A frame sent on a channel arrives at once at that channel's own
+// receiver; with attribute 104 set to 1 it goes to the other channel's
+// receiver instead (set it on both for a cross-connected pair). The sender
+// posts kEventFrameSent, the receiver kEventFrameReceived; word 5 is the
+// frame's length, word 6 (received only) the frames then queued. A frame
+// that reaches a receiver that is not set up is lost and counted as dropped.
+//
+// Frames are 1 to 8191 bytes: a length of 0 is refused with error 9 (the
+// library itself refuses 8192 and more). The bytes are read from the caller's buffer,
+// bounded by the smaller of the length field and the buffer's length as the
+// library lists it: a shorter buffer sends a shorter frame. The two settings
+// of a send are not used.
+//
+// Receive queue: 64 frames per channel; a frame arriving at a full queue
+// drops the oldest one, which is counted (attribute 101).
+//
+// RynHdlcReadData takes the oldest frame. Reply: 8 its length, 12 the frames
+// still queued, 16 the frames dropped so far, 20..27 the board time (100-ns
+// units since 1601) at which it arrived. An empty queue answers the status
+// kNothingToRead (bit 31 clear, error 1) with length 0. A frame larger than
+// the caller's buffer (the smaller of bufferSize and the listed length) is
+// refused with error 9: nothing is written, the frame stays queued and the
+// length at 8 is its full size, so a read with a larger buffer gets it.
+//
+// SS7. RynHdlcSS7SendData sends as RynHdlcSendData and keeps the 3-byte field
+// with the frame. RynHdlcSS7GetReceiveStatus answers 8 the frames queued, 12
+// the frames received in all, 16 the frames dropped, 20..22 the 3-byte field
+// of the frame last read (zeros for a frame sent without one). The filter is
+// stored and answered; it does not select frames.
+//
+// Repeated block. RynHdlcStartRepeatData (1 to 9 bytes) stores the block and
+// loops it back once per start (one sent/received event pair); a start while
+// repeating replaces the block. RynHdlcStopRepeatData ends it and is refused
+// with error 13 when nothing repeats. RynHdlcSenderFlush ends repeated
+// sending too: frames leave at once, so the block is all a sender holds.
+//
+// RynHdlcReadDataEx peeks: param1 picks a queued frame (0 the next to read),
+// its length comes back at 8 and it stays queued; kNothingToRead when there
+// is no such frame. param2 to param4 are not used.
+//
+// Attributes (32-bit, read-only unless said): 100 frames queued, 101 frames
+// dropped, 102 frames sent, 103 frames received, 104 cross-connect (Boolean,
+// settable), 105 the queue's capacity (64).
+#include <array>
+#include <deque>
+
+#include "Channels.h"
 
 namespace vb {
+namespace {
 
-Table hdlcTable() { return {}; }
-std::span<const Attribute> hdlcAttributes() { return {}; }
+constexpr size_t kQueueCapacity = 64;
+constexpr uint32_t kFrameLimit = 8191;
+constexpr uint32_t kRepeatLimit = 9;
+constexpr uint32_t kSs7Bytes = 3;
+
+struct Frame {
+    std::vector<uint8_t> data;
+    std::array<uint8_t, kSs7Bytes> ss7{};
+    uint64_t time = 0;  // board time of arrival
+};
+
+struct HdlcChannel : ObjectState {
+    bool senderReady = false;
+    bool receiverReady = false;
+    std::array<uint32_t, 6> senderSettings{};
+    std::array<uint32_t, 7> receiverSettings{};
+    std::deque<Frame> queue;
+    uint32_t sent = 0, received = 0, dropped = 0;
+    std::array<uint8_t, kSs7Bytes> lastSs7{};  // of the frame last read
+    uint32_t filter = 0;
+    bool crossConnect = false;
+    bool repeating = false;
+    std::vector<uint8_t> repeatBlock;
+};
+
+HdlcChannel &channelOf(Object &object) { return object.as<HdlcChannel>(); }
+HdlcChannel &channelOf(Call &call) { return channelOf(*call.object); }
+
+// ---- Loopback ---------------------------------------------------------------
+
+// The channel whose receiver gets the frames `sender` sends.
+Object &destination(Board &board, Object &sender) {
+    if (channelOf(sender).crossConnect)
+        if (Object *other = board.findDevice(kTypeHdlc, sender.id ^ 1u)) return *other;
+    return sender;
+}
+
+void loopBack(Board &board, Object &sender, Frame frame) {
+    const auto length = static_cast<uint32_t>(frame.data.size());
+    ++channelOf(sender).sent;
+    board.post(sender, kEventFrameSent, length);
+    Object &target = destination(board, sender);
+    HdlcChannel &receiver = channelOf(target);
+    if (!receiver.receiverReady) {
+        ++receiver.dropped;
+        return;
+    }
+    if (receiver.queue.size() >= kQueueCapacity) {
+        receiver.queue.pop_front();
+        ++receiver.dropped;
+    }
+    frame.time = board.now();
+    receiver.queue.push_back(std::move(frame));
+    ++receiver.received;
+    board.post(target, kEventFrameReceived, length, static_cast<uint32_t>(receiver.queue.size()));
+}
+
+uint32_t senderRefusal(Call &call) {
+    if (channel::disabled(*call.object) || !channelOf(call).senderReady) return VB_FAILURE(kFailed);
+    return 0;
+}
+
+uint32_t receiverRefusal(Call &call) {
+    if (channel::disabled(*call.object) || !channelOf(call).receiverReady) return VB_FAILURE(kFailed);
+    return 0;
+}
+
+// The frame of `length` bytes (1 to `limit`) named by the address field at
+// `addressOffset`.
+uint32_t takeFrame(Call &call, uint32_t length, uint32_t limit, uint32_t addressOffset, Frame &frame) {
+    if (length == 0 || length > limit) return VB_FAILURE(kOutOfRange);
+    const auto bytes = channel::callerBytes(call, addressOffset, length);
+    if (bytes.empty()) return VB_FAILURE(kOutOfRange);
+    frame.data.assign(bytes.begin(), bytes.end());
+    return 0;
+}
+
+// ---- Requests ---------------------------------------------------------------
+
+uint32_t senderInit(Call &call) {
+    HdlcChannel &channel = channelOf(call);
+    for (uint32_t i = 0; i < channel.senderSettings.size(); ++i) channel.senderSettings[i] = call.in.u32(20 + 4 * i);
+    channel.senderReady = true;
+    return 0;
+}
+
+uint32_t receiverInit(Call &call) {
+    HdlcChannel &channel = channelOf(call);
+    for (uint32_t i = 0; i < channel.receiverSettings.size(); ++i)
+        channel.receiverSettings[i] = call.in.u32(20 + 4 * i);
+    channel.receiverReady = true;
+    channel.queue.clear();
+    channel.lastSs7 = {};
+    return 0;
+}
+
+// Length 20, two settings, the data's address at 32.
+uint32_t sendData(Call &call) {
+    if (const uint32_t refused = senderRefusal(call)) return refused;
+    Frame frame;
+    if (const uint32_t refused = takeFrame(call, call.in.u32(20), kFrameLimit, 32, frame)) return refused;
+    loopBack(call.board, *call.object, std::move(frame));
+    return 0;
+}
+
+// Length 20, the 3-byte field at 24..26, two settings, the address at 36.
+uint32_t ss7SendData(Call &call) {
+    if (const uint32_t refused = senderRefusal(call)) return refused;
+    Frame frame;
+    if (const uint32_t refused = takeFrame(call, call.in.u32(20), kFrameLimit, 36, frame)) return refused;
+    std::memcpy(frame.ss7.data(), call.in.bytes(24, kSs7Bytes).data(), kSs7Bytes);
+    loopBack(call.board, *call.object, std::move(frame));
+    return 0;
+}
+
+// Size 20, the receive buffer's address 24. Reply: length 8, frames still
+// queued 12, frames dropped 16, time of arrival 20..27.
+uint32_t readData(Call &call) {
+    if (const uint32_t refused = receiverRefusal(call)) return refused;
+    HdlcChannel &channel = channelOf(call);
+    call.out.u32(16, channel.dropped);
+    if (channel.queue.empty()) return VB_STATUS(kNothingToRead);
+    const Frame &frame = channel.queue.front();
+    const auto length = static_cast<uint32_t>(frame.data.size());
+    call.out.u32(8, length).u32(12, static_cast<uint32_t>(channel.queue.size()));
+    const auto room = channel::callerBytes(call, 24, call.in.u32(20));
+    if (length > room.size()) return VB_FAILURE(kOutOfRange);
+    std::memcpy(room.data(), frame.data.data(), length);
+    channel::putTime(call.out, 20, frame.time);
+    channel.lastSs7 = frame.ss7;
+    channel.queue.pop_front();
+    call.out.u32(12, static_cast<uint32_t>(channel.queue.size()));
+    return 0;
+}
+
+uint32_t ss7ReceiveStatus(Call &call) {
+    if (const uint32_t refused = receiverRefusal(call)) return refused;
+    const HdlcChannel &channel = channelOf(call);
+    call.out.u32(8, static_cast<uint32_t>(channel.queue.size())).u32(12, channel.received).u32(16, channel.dropped);
+    call.out.write(20, channel.lastSs7.data(), kSs7Bytes);
+    return 0;
+}
+
+uint32_t ss7SetFilter(Call &call) {
+    channelOf(call).filter = call.in.u32(20);
+    return 0;
+}
+
+uint32_t ss7GetFilter(Call &call) {
+    call.out.u32(8, channelOf(call).filter);
+    return 0;
+}
+
+uint32_t startRepeat(Call &call) {
+    if (const uint32_t refused = senderRefusal(call)) return refused;
+    Frame frame;
+    if (const uint32_t refused = takeFrame(call, call.in.u32(20), kRepeatLimit, 32, frame)) return refused;
+    HdlcChannel &channel = channelOf(call);
+    channel.repeating = true;
+    channel.repeatBlock = frame.data;
+    loopBack(call.board, *call.object, std::move(frame));
+    return 0;
+}
+
+uint32_t stopRepeat(Call &call) {
+    HdlcChannel &channel = channelOf(call);
+    if (!channel.repeating) return VB_FAILURE(kFailed);
+    channel.repeating = false;
+    channel.repeatBlock.clear();
+    return 0;
+}
+
+// The length of queued frame number param1 (0 the next), left queued.
+uint32_t readDataEx(Call &call) {
+    if (const uint32_t refused = receiverRefusal(call)) return refused;
+    const HdlcChannel &channel = channelOf(call);
+    const uint32_t index = call.in.u32(20);
+    if (index >= channel.queue.size()) return VB_STATUS(kNothingToRead);
+    call.out.u32(8, static_cast<uint32_t>(channel.queue[index].data.size()));
+    return 0;
+}
+
+uint32_t senderFlush(Call &call) {
+    if (const uint32_t refused = senderRefusal(call)) return refused;
+    HdlcChannel &channel = channelOf(call);
+    channel.repeating = false;
+    channel.repeatBlock.clear();
+    return 0;
+}
+
+constexpr Row kHdlc[] = {
+    {0x99A, 44, 12, senderInit},
+    {0x99B, 48, 12, receiverInit},
+    {0x99C, 36, 12, sendData},
+    {0x99D, 28, 32, readData},
+    {0x9A0, 20, 28, ss7ReceiveStatus},
+    {0x9A1, 24, 12, ss7SetFilter},
+    {0x9A2, 20, 16, ss7GetFilter},
+    {0x9A3, 40, 12, ss7SendData},
+    {0x9A4, 36, 12, startRepeat},
+    {0x9A5, 20, 12, stopRepeat},
+    {0x9A6, 36, 16, readDataEx},
+    {0x9A7, 20, 12, senderFlush},
+};
+
+// ---- Attributes -------------------------------------------------------------
+
+template <uint32_t HdlcChannel::*Counter>
+std::vector<uint8_t> counter(Call &, Object &object, uint32_t) {
+    return wordValue(channelOf(object).*Counter);
+}
+
+std::vector<uint8_t> framesQueued(Call &, Object &object, uint32_t) {
+    return wordValue(static_cast<uint32_t>(channelOf(object).queue.size()));
+}
+
+std::vector<uint8_t> crossConnect(Call &, Object &object, uint32_t) {
+    return channel::booleanValue(channelOf(object).crossConnect);
+}
+
+uint32_t setCrossConnect(Call &, Object &object, std::span<const uint8_t> value) {
+    uint32_t word = 0;
+    if (!channel::wordOf(value, word) || word > 1) return VB_FAILURE(kOutOfRange);
+    channelOf(object).crossConnect = word == 1;
+    return 0;
+}
+
+std::vector<uint8_t> queueCapacity(Call &, Object &, uint32_t) { return wordValue(kQueueCapacity); }
+
+const Attribute kAttributes[] = {
+    {100, 2, framesQueued, nullptr},
+    {101, 2, counter<&HdlcChannel::dropped>, nullptr},
+    {102, 2, counter<&HdlcChannel::sent>, nullptr},
+    {103, 2, counter<&HdlcChannel::received>, nullptr},
+    {104, 1, crossConnect, setCrossConnect},
+    {105, 2, queueCapacity, nullptr},
+};
+
+}  // namespace
+
+Table hdlcTable() { return kHdlc; }
+std::span<const Attribute> hdlcAttributes() { return kAttributes; }
 
 }  // namespace vb

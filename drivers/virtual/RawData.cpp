@@ -1,10 +1,169 @@
-// RawData requests of the virtual board (not written yet: every request is
-// refused as not provided).
-#include "Families.h"
+// Raw-data channel of the virtual board: raw-data channel 0 (device type 5),
+// an unframed byte stream. The settings of the set-up calls are stored and
+// not acted on.
+//
+// Set-up. RynRawDataSenderInit and RynRawDataSenderInitEx store their
+// settings and ready the sender; RynRawDataReceiverInit stores its settings,
+// readies the receiver and empties its buffer. Sending or flushing before the
+// sender is set up, and reading before the receiver is, is refused with
+// error 13 (kFailed); so is any of them on a channel disabled with
+// RynDrvDisable.
+//
+// Loopback. Sent bytes arrive at once in the channel's own receive buffer
+// (16384 bytes; bytes arriving at a full buffer push out the oldest, which
+// are counted as dropped) and the channel posts kEventRawDataReceived, word 5
+// the bytes that arrived, word 6 the bytes then waiting. Bytes sent while the
+// receiver is not set up are lost and counted as dropped. A send of 0 bytes
+// does nothing; more than 8191 is refused with error 9 (the library refuses
+// 8192 and more itself). The bytes are read from the caller's buffer, bounded
+// by the smaller of the length field and the buffer's listed length. The two
+// settings of a send are not used. RynRawDataSenderFlush answers 0: the bytes
+// leave at once, so nothing waits in the sender.
+//
+// RynRawDataReadData takes as many of the waiting bytes as the caller's
+// buffer holds (the smaller of bufferSize and the listed length), oldest
+// first. Reply: 8 the bytes written, 12 the bytes still waiting. With nothing
+// waiting it answers the status kNothingToRead (bit 31 clear, error 1) and
+// length 0; a read with no buffer is refused with error 9.
+//
+// The idle-pattern calls never reach the driver: the library answers them
+// itself (error 6).
+//
+// Attributes (32-bit, read-only): 100 bytes waiting, 101 bytes dropped, 102
+// bytes sent, 103 bytes received, 104 the receive buffer's capacity (16384).
+#include <array>
+#include <deque>
+
+#include "Channels.h"
 
 namespace vb {
+namespace {
 
-Table rawDataTable() { return {}; }
-std::span<const Attribute> rawDataAttributes() { return {}; }
+constexpr uint32_t kSendLimit = 8191;
+constexpr size_t kReceiveCapacity = 16384;
+
+struct RawChannel : ObjectState {
+    bool senderReady = false;
+    bool receiverReady = false;
+    std::array<uint32_t, 3> senderSettings{};  // the 32-bit ones, in request order
+    uint8_t senderByte = 0;                    // the 8-bit setting
+    std::array<uint32_t, 3> receiverSettings{};
+    uint8_t receiverByte = 0;
+    std::deque<uint8_t> waiting;
+    uint32_t sent = 0, received = 0, dropped = 0;
+};
+
+RawChannel &channelOf(Object &object) { return object.as<RawChannel>(); }
+RawChannel &channelOf(Call &call) { return channelOf(*call.object); }
+
+// Sender set-up: param1 at 20, the byte at 24, param3 at 26.
+uint32_t senderInit(Call &call) {
+    RawChannel &channel = channelOf(call);
+    channel.senderSettings = {call.in.u32(20), call.in.u32(26), 0};
+    channel.senderByte = call.in.u8(24);
+    channel.senderReady = true;
+    return 0;
+}
+
+// Extended sender set-up: param1 at 20, param2 at 24, the byte at 28, param4 at 30.
+uint32_t senderInitEx(Call &call) {
+    RawChannel &channel = channelOf(call);
+    channel.senderSettings = {call.in.u32(20), call.in.u32(24), call.in.u32(30)};
+    channel.senderByte = call.in.u8(28);
+    channel.senderReady = true;
+    return 0;
+}
+
+// Receiver set-up: param1 at 20, the byte at 24, param3 at 26, param4 at 30.
+uint32_t receiverInit(Call &call) {
+    RawChannel &channel = channelOf(call);
+    channel.receiverSettings = {call.in.u32(20), call.in.u32(26), call.in.u32(30)};
+    channel.receiverByte = call.in.u8(24);
+    channel.receiverReady = true;
+    channel.waiting.clear();
+    return 0;
+}
+
+uint32_t senderRefusal(Call &call) {
+    if (channel::disabled(*call.object) || !channelOf(call).senderReady) return VB_FAILURE(kFailed);
+    return 0;
+}
+
+// Length 20, two settings, the data's address at 32.
+uint32_t sendData(Call &call) {
+    if (const uint32_t refused = senderRefusal(call)) return refused;
+    const uint32_t length = call.in.u32(20);
+    if (length > kSendLimit) return VB_FAILURE(kOutOfRange);
+    if (length == 0) return 0;
+    const auto bytes = channel::callerBytes(call, 32, length);
+    if (bytes.empty()) return VB_FAILURE(kOutOfRange);
+    RawChannel &channel = channelOf(call);
+    const auto count = static_cast<uint32_t>(bytes.size());
+    channel.sent += count;
+    if (!channel.receiverReady) {
+        channel.dropped += count;
+        return 0;
+    }
+    channel.waiting.insert(channel.waiting.end(), bytes.begin(), bytes.end());
+    channel.received += count;
+    if (channel.waiting.size() > kReceiveCapacity) {
+        const size_t excess = channel.waiting.size() - kReceiveCapacity;
+        channel.waiting.erase(channel.waiting.begin(), channel.waiting.begin() + static_cast<std::ptrdiff_t>(excess));
+        channel.dropped += static_cast<uint32_t>(excess);
+    }
+    call.board.post(*call.object, kEventRawDataReceived, count, static_cast<uint32_t>(channel.waiting.size()));
+    return 0;
+}
+
+// Size 20, the receive buffer's address 24. Reply: bytes written 8, bytes
+// still waiting 12.
+uint32_t readData(Call &call) {
+    RawChannel &channel = channelOf(call);
+    if (channel::disabled(*call.object) || !channel.receiverReady) return VB_FAILURE(kFailed);
+    if (channel.waiting.empty()) return VB_STATUS(kNothingToRead);
+    const auto room = channel::callerBytes(call, 24, call.in.u32(20));
+    if (room.empty()) return VB_FAILURE(kOutOfRange);
+    const size_t count = std::min(room.size(), channel.waiting.size());
+    const auto end = channel.waiting.begin() + static_cast<std::ptrdiff_t>(count);
+    std::copy(channel.waiting.begin(), end, room.begin());
+    channel.waiting.erase(channel.waiting.begin(), end);
+    call.out.u32(8, static_cast<uint32_t>(count)).u32(12, static_cast<uint32_t>(channel.waiting.size()));
+    return 0;
+}
+
+uint32_t senderFlush(Call &call) { return senderRefusal(call); }
+
+constexpr Row kRawData[] = {
+    {0x99A, 30, 12, senderInit},
+    {0x99B, 34, 12, receiverInit},
+    {0x99C, 36, 12, sendData},
+    {0x99D, 28, 20, readData},
+    {0x9A0, 20, 12, senderFlush},
+    {0x9A1, 34, 12, senderInitEx},
+};
+
+template <uint32_t RawChannel::*Counter>
+std::vector<uint8_t> counter(Call &, Object &object, uint32_t) {
+    return wordValue(channelOf(object).*Counter);
+}
+
+std::vector<uint8_t> bytesWaiting(Call &, Object &object, uint32_t) {
+    return wordValue(static_cast<uint32_t>(channelOf(object).waiting.size()));
+}
+
+std::vector<uint8_t> capacity(Call &, Object &, uint32_t) { return wordValue(kReceiveCapacity); }
+
+const Attribute kAttributes[] = {
+    {100, 2, bytesWaiting, nullptr},
+    {101, 2, counter<&RawChannel::dropped>, nullptr},
+    {102, 2, counter<&RawChannel::sent>, nullptr},
+    {103, 2, counter<&RawChannel::received>, nullptr},
+    {104, 2, capacity, nullptr},
+};
+
+}  // namespace
+
+Table rawDataTable() { return kRawData; }
+std::span<const Attribute> rawDataAttributes() { return kAttributes; }
 
 }  // namespace vb

@@ -127,7 +127,7 @@ TEST_F(VirtualBoardTest, LyingRequestsAreAnsweredWithFailures) {
     EXPECT_EQ(send(0x816, 20, 8), 0u);             // no room for a code: the call fails
     EXPECT_EQ(returned, 0u);
     std::memcpy(request + 16, &hdlc, 4);
-    EXPECT_EQ(errorOf(send(0x9A4, 20, 16)), 6u);   // a DSP request to an HDLC channel
+    EXPECT_EQ(errorOf(send(0x99E, 20, 16)), 6u);   // a number the HDLC family does not use
     const uint32_t bogus = 0x70000001;
     std::memcpy(request + 16, &bogus, 4);
     EXPECT_EQ(errorOf(send(0x99A, 20, 12)), 11u);

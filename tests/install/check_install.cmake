@@ -1,0 +1,49 @@
+# Installs the build into a fresh prefix, then builds an example program
+# against the installed tree twice, with pkg-config and with find_package,
+# and runs both: they find the library and its driver module with no
+# configuration.
+#   -DBUILD=<build dir> -DWORK=<scratch dir> -DEXAMPLE=<C source> -DCC=<C compiler>
+file(REMOVE_RECURSE ${WORK})
+set(prefix ${WORK}/prefix)
+
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "failed (${status}): ${ARGN}\n${out}\n${err}")
+  endif()
+  set(output "${out}" PARENT_SCOPE)
+endfunction()
+
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+file(GLOB libdirs LIST_DIRECTORIES true ${prefix}/lib*)
+list(GET libdirs 0 libdir)
+foreach(installed include/RynHwDll.h include/Osa.h include/RynUserDriver.h bin/rynctl)
+  if(NOT EXISTS ${prefix}/${installed})
+    message(FATAL_ERROR "not installed: ${installed}")
+  endif()
+endforeach()
+foreach(installed libRynHwDll.so libRynHwDll.so.2 ryn-drivers/ryndrv.so ryn-drivers/rynnet.so pkgconfig/ryn-hw.pc
+        cmake/RynHwDll/RynHwDllConfig.cmake)
+  if(NOT EXISTS ${libdir}/${installed})
+    message(FATAL_ERROR "not installed: ${libdir}/${installed}")
+  endif()
+endforeach()
+
+# pkg-config
+set(ENV{PKG_CONFIG_PATH} ${libdir}/pkgconfig)
+run(pkg-config --cflags --libs ryn-hw)
+separate_arguments(flags UNIX_COMMAND "${output}")
+run(${CC} -std=c99 -Wall -Wextra -Werror -o ${WORK}/with-pkg-config ${EXAMPLE} ${flags} -Wl,-rpath,${libdir})
+run(${WORK}/with-pkg-config)
+
+# find_package
+run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/consumer -B ${WORK}/consumer -DCMAKE_PREFIX_PATH=${prefix}
+    -DEXAMPLE=${EXAMPLE} -DCMAKE_C_COMPILER=${CC})
+run(${CMAKE_COMMAND} --build ${WORK}/consumer)
+run(${WORK}/consumer/consumer)
+
+# the installed tool sees the installed board
+run(${prefix}/bin/rynctl info)
+if(NOT output MATCHES "driver version +1\\.01\\.47\\.0")
+  message(FATAL_ERROR "rynctl info from the installed tree:\n${output}")
+endif()
