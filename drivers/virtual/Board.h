@@ -1,3 +1,4 @@
+// NOTE TO HELPERS (remove in your copy): read /tmp/rules.md before any edit or build; work in /tmp/h-NAME, not here.
 // The virtual board: a driver module that answers the library's requests as a
 // board driver would, with state, so that applications run without hardware.
 //
@@ -85,8 +86,8 @@ enum DeviceType : int32_t {
     kTypeMfDetector = 114,
     kTypeDualDetector = 115,
     kTypeSingleDetector = 116,
-    kTypeTelephonyFirst = 120,  // 120..139: the telephony blocks
-    kTypeTelephonyLast = 139,
+    kTypeTelephonyFirst = 120,  // 120..128: the telephony blocks
+    kTypeTelephonyLast = 128,
     kTypeDataMixer = 140,
     kTypeDspPots = 150,
     // Other driver objects.

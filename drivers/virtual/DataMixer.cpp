@@ -1,10 +1,56 @@
-// DataMixer requests of the virtual board (not written yet: every request is
-// refused as not provided).
+// The data converter and mixer block (block type 140). Its one request is
+// the converter's set-up; the mixer's set-up is refused by the library
+// itself and never reaches the board.
+//
+// param1: the conversion between the DSP's linear samples and the line's
+// bytes, 0 none (16-bit linear), 1 mu-law, 2 A-law; param2: the samples per
+// transfer block (0: 160; 1..1024). The board's sample flow does not pass
+// through this block, so it keeps its settings for the application to read:
+// attributes 40 set up (0 or 1), 41 the conversion, 42 the block length.
 #include "Families.h"
 
 namespace vb {
+namespace {
 
-Table dataMixerTable() { return {}; }
-std::span<const Attribute> dataMixerAttributes() { return {}; }
+constexpr uint32_t kParam1 = 20, kParam2 = 24;
+enum Conversion : uint32_t { kLinear = 0, kMuLaw = 1, kALaw = 2 };
+constexpr uint32_t kDefaultBlock = 160, kLargestBlock = 1024;
+
+struct Converter : ObjectState {
+    uint32_t setUp = 0;
+    uint32_t conversion = kLinear;
+    uint32_t blockSamples = kDefaultBlock;
+};
+
+uint32_t converterInit(Call &call) {
+    const uint32_t conversion = call.in.u32(kParam1);
+    const uint32_t block = call.in.u32(kParam2) == 0 ? kDefaultBlock : call.in.u32(kParam2);
+    if (conversion > kALaw || block > kLargestBlock) return VB_FAILURE(kOutOfRange);
+    auto &converter = call.object->as<Converter>();
+    converter.setUp = 1;
+    converter.conversion = conversion;
+    converter.blockSamples = block;
+    return 0;
+}
+
+constexpr Row kRows[] = {
+    {0x99A, 28, 12, converterInit},
+};
+
+template <uint32_t Converter::*Field>
+std::vector<uint8_t> word(Call &, Object &object, uint32_t) {
+    return wordValue(object.as<Converter>().*Field);
+}
+
+const Attribute kAttributes[] = {
+    {40, 2, word<&Converter::setUp>, nullptr},
+    {41, 2, word<&Converter::conversion>, nullptr},
+    {42, 2, word<&Converter::blockSamples>, nullptr},
+};
+
+}  // namespace
+
+Table dataMixerTable() { return kRows; }
+std::span<const Attribute> dataMixerAttributes() { return kAttributes; }
 
 }  // namespace vb
