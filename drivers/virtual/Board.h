@@ -1,4 +1,3 @@
-// NOTE TO HELPERS (remove in your copy): read /tmp/rules.md before any edit or build; work in /tmp/h-NAME, not here.
 // The virtual board: a driver module that answers the library's requests as a
 // board driver would, with state, so that applications run without hardware.
 //
