@@ -1,0 +1,191 @@
+// Tone blocks on the virtual board: diallers into detectors, the DTMF
+// receiver's limits on samples the test makes itself, generators measured
+// through the audio attributes, and detectors tuned by the library's
+// coefficients.
+#include <cmath>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "virtual/VirtualBoard.h"
+
+namespace vt {
+namespace {
+
+constexpr int32_t kSine = 103, kDtmfDialler = 105, kMfDialler = 106;
+constexpr int32_t kSilence = 110, kDtmf = 111, kDialTone = 113, kMf = 114, kDual = 115;
+enum : uint32_t { kDigitEvent = 0x500, kMfEvent = 0x501, kToneEvent = 0x502, kSilenceEvent = 0x505 };
+constexpr int32_t kAudioOut = 30, kAudioIn = 31;
+constexpr char kDtmfKeys[] = "123A456B789C*0#D";
+constexpr double kRows[] = {697, 770, 852, 941}, kColumns[] = {1209, 1336, 1477, 1633};
+
+struct Tone {
+    double hertz, db;  // level below a 4096-peak sine
+};
+using Samples = std::vector<int16_t>;
+
+// `ms` of the tones summed, then `gapMs` of silence.
+Samples play(std::initializer_list<Tone> tones, int ms, int gapMs = 60) {
+    Samples samples(static_cast<size_t>(8 * (ms + gapMs)), 0);
+    for (size_t n = 0; n < static_cast<size_t>(8 * ms); ++n) {
+        double sum = 0;
+        for (const Tone &t : tones) sum += 4096 * std::pow(10, t.db / 20) * std::sin(2 * M_PI * t.hertz * n / 8000.0);
+        samples[n] = static_cast<int16_t>(std::lround(sum));
+    }
+    return samples;
+}
+
+ResultCode send(DeviceHandle block, const Samples &samples) {
+    return RynDrvSetAttributeValue(block, kAudioIn, samples.data(), static_cast<uint32_t>(samples.size() * 2));
+}
+
+Samples render(DeviceHandle block, size_t count) {
+    Samples samples(count);
+    uint32_t returned = 0;
+    EXPECT_EQ(RynDrvGetAttributeValue(block, kAudioOut, samples.data(), uint32_t(count * 2), &returned), 0u);
+    EXPECT_EQ(returned, count * 2);
+    return samples;
+}
+
+// Word 5 of the queued records with `code`, as characters.
+std::string reported(EventListener &listener, uint32_t code) {
+    std::string found;
+    EventData record{};
+    while (listener.next(record, 0))
+        if (record.word[3] == code) found += static_cast<char>(record.word[5]);
+    return found;
+}
+
+class ToneTest : public VirtualBoardTest {};
+
+TEST_F(ToneTest, DiallersReachTheirDetectorsDigitByDigit) {
+    struct Case {
+        int32_t dialler, detector;
+        uint32_t event;
+        std::string digits;
+    };
+    for (const Case &c :
+         {Case{kDtmfDialler, kDtmf, kDigitEvent, "1234#"}, Case{kMfDialler, kMf, kMfEvent, "*1234567890#"}}) {
+        const DeviceHandle dialler = block(c.dialler), detector = block(c.detector);
+        ASSERT_EQ(RynDrvConnectLogicalDevice(dialler, 0, detector, 0), 0u);
+        EventListener heard(detector), done(dialler);
+        const auto dial = c.dialler == kDtmfDialler ? RynToneDtmfDial : RynToneMfDial;
+        ASSERT_EQ(dial(dialler, c.digits.data(), int32_t(c.digits.size()), 0, 0), 0u);
+        EXPECT_EQ(reported(heard, c.event), c.digits);
+        EXPECT_EQ(reported(done, 0x506).size(), 1u);
+        uint8_t status = 0;
+        EXPECT_EQ((c.detector == kDtmf ? RynToneDtmfDetectorStatus : RynToneMfDetectorStatus)(detector, &status), 0u);
+        EXPECT_EQ(status, '#');
+        EXPECT_EQ(errorOf(dial(dialler, "12x", 3, 0, 0)), 9u);  // refused whole
+        EXPECT_EQ(reported(heard, c.event), "");
+    }
+}
+
+TEST_F(ToneTest, EveryKeyIsHeardFromTheApplicationsSamples) {
+    const DeviceHandle dtmf = block(kDtmf), mf = block(kMf);
+    EventListener heardDtmf(dtmf), heardMf(mf);
+    for (int key = 0; key < 16; ++key)
+        ASSERT_EQ(send(dtmf, play({{kRows[key / 4], -6}, {kColumns[key % 4], -6}}, 50)), 0u);
+    EXPECT_EQ(reported(heardDtmf, kDigitEvent), kDtmfKeys);
+    for (const auto &[low, high] : {std::pair{1100, 1700}, {900, 1300}, {700, 1500}, {1500, 1700}})
+        ASSERT_EQ(send(mf, play({{double(low), -8}, {double(high), -8}}, 68)), 0u);
+    EXPECT_EQ(reported(heardMf, kMfEvent), "*57#");  // KP 5 7 ST
+}
+
+TEST_F(ToneTest, DtmfReceiverHoldsItsLimits) {
+    struct Case {
+        const char *what;
+        double lowShift, highShift, lowDb, highDb;
+        int ms, gapMs;
+        size_t digits;
+        double voiceDb = -99;  // a third tone, as speech would bring
+    };
+    const Case cases[] = {
+        {"1.5% apart", 1.015, 0.985, -6, -6, 50, 60, 1},
+        {"1.5% away", 0.985, 1.015, -6, -6, 50, 60, 1},
+        {"low 3.5% off", 1.035, 1, -6, -6, 50, 60, 0},
+        {"high 3.5% off", 1, 0.965, -6, -6, 50, 60, 0},
+        {"twist 7 dB", 1, 1, -12, -5, 50, 60, 1},
+        {"twist 9 dB", 1, 1, -14, -5, 50, 60, 0},
+        {"reverse 3.5 dB, 1.5% off", 1, 0.985, -5, -8.5, 50, 60, 1},
+        {"reverse 5 dB", 1, 1, -5, -10, 50, 60, 0},
+        {"-28 dB", 1, 1, -28, -28, 50, 60, 1},
+        {"-32 dB", 1, 1, -32, -32, 50, 60, 0},
+        {"40 ms", 1, 1, -6, -6, 40, 60, 1},
+        {"25 ms", 1, 1, -6, -6, 25, 60, 0},
+        {"20 ms break", 1, 1, -6, -6, 60, 20, 1},
+        {"45 ms pause", 1, 1, -6, -6, 60, 45, 2},
+        {"with voice", 1, 1, -6, -6, 50, 60, 1, -14},
+        {"in voice", 1, 1, -6, -6, 50, 60, 0, -4},
+    };
+    for (const Case &c : cases) {
+        const DeviceHandle detector = block(kDtmf);
+        EventListener heard(detector);
+        const Samples digit =
+            play({{852 * c.lowShift, c.lowDb}, {1477 * c.highShift, c.highDb}, {500, c.voiceDb}}, c.ms, c.gapMs);
+        ASSERT_EQ(send(detector, Samples(20)), 0u);  // off the detector's window edges
+        for (int times = c.gapMs < 60 ? 2 : 1; times > 0; --times) ASSERT_EQ(send(detector, digit), 0u);
+        EXPECT_EQ(reported(heard, kDigitEvent), std::string(c.digits, '9')) << c.what;
+        RynDrvClose(detector);
+    }
+}
+
+TEST_F(ToneTest, SineGeneratorPlaysTheLibrarysOscillator) {
+    const DeviceHandle generator = block(kSine);
+    const SineToneParams tone{1000, 0, 0};
+    ASSERT_EQ(RynToneSineWaveGeneratorInit(generator, 0, &tone, 1, 0), 0u);
+    const Samples second = render(generator, 8000);
+    int crossings = 0, peak = 0;
+    for (size_t n = 1; n < second.size(); ++n) {
+        crossings += (second[n - 1] < 0) != (second[n] < 0);
+        peak = std::max(peak, std::abs(int(second[n])));
+    }
+    EXPECT_NEAR(crossings, 2000, 2);
+    EXPECT_NEAR(peak, 4096, 60);
+}
+
+TEST_F(ToneTest, FrequencyDetectorsListenWithTheLibrarysCoefficients) {
+    const DeviceHandle generator = block(kSine), right = block(kDual), wrong = block(kDual);
+    const SineToneParams tones[] = {{1000, -6, 0}, {1500, -6, 0}};
+    const uint32_t rightHz[] = {1000, 1500}, wrongHz[] = {1000, 1560};
+    ASSERT_EQ(RynToneSineWaveGeneratorInit(generator, 0, tones, 2, 0), 0u);
+    ASSERT_EQ(RynToneDualDetectorInit(right, 0, rightHz, 2, 0, 0, 0), 0u);
+    ASSERT_EQ(RynToneDualDetectorInit(wrong, 0, wrongHz, 2, 0, 0, 0), 0u);
+    EXPECT_EQ(errorOf(RynToneDualDetectorInit(wrong, 0, wrongHz, 1, 0, 0, 0)), 9u);  // not a pair
+    EventListener heardRight(right), heardWrong(wrong);
+    for (DeviceHandle detector : {right, wrong}) ASSERT_EQ(RynDrvConnectLogicalDevice(generator, 0, detector, 0), 0u);
+    render(generator, 1600);
+    EXPECT_EQ(reported(heardRight, kToneEvent), std::string(1, '\0'));
+    EXPECT_EQ(reported(heardWrong, kToneEvent), "");
+    uint8_t status = 0;
+    EXPECT_EQ(RynToneDualDetectorStatus(right, &status), 0u);
+    EXPECT_EQ(status, 1u);
+}
+
+TEST_F(ToneTest, DialToneAndSilenceAreReportedWhileTheyLast) {
+    const DeviceHandle dialTone = block(kDialTone), silence = block(kSilence);
+    EventListener heardTone(dialTone), heardSilence(silence);
+    ASSERT_EQ(send(dialTone, play({{350, -10}, {440, -10}}, 300, 0)), 0u);
+    ASSERT_EQ(send(silence, play({{1000, -10}}, 100, 300)), 0u);
+    uint32_t toneStatus = 0, silenceStatus = 0;
+    EXPECT_EQ(RynToneDialtoneDetectorStatus(dialTone, &toneStatus), 0u);
+    EXPECT_EQ(RynToneSilenceDetectorStatus(silence, &silenceStatus), 0u);
+    EXPECT_EQ(toneStatus, 1u);  // 350 + 440 Hz
+    EXPECT_EQ(silenceStatus, 1u);
+    EXPECT_EQ(reported(heardTone, kToneEvent), std::string(1, '\0'));
+    EXPECT_EQ(reported(heardSilence, kSilenceEvent), "\1");
+}
+
+TEST_F(ToneTest, BlocksRefuseWhatIsNotTheirs) {
+    const DeviceHandle dialler = block(kDtmfDialler), detector = block(kDtmf);
+    uint8_t status = 0;
+    EXPECT_EQ(errorOf(RynToneDtmfDetectorStatus(dialler, &status)), 6u);
+    EXPECT_EQ(errorOf(RynToneMfDial(dialler, "1", 1, 0, 0)), 6u);
+    EXPECT_EQ(errorOf(send(dialler, Samples(8))), 6u);
+    EXPECT_EQ(errorOf(send(detector, Samples(32769))), 9u);
+    EXPECT_EQ(errorOf(RynDrvSetAttributeValue(detector, kAudioIn, "abc", 3)), 9u);
+    EXPECT_EQ(errorOf(RynToneDtmfDiallerInit(dialler, 2000, 0, 0, 0)), 9u);
+}
+
+}  // namespace
+}  // namespace vt
