@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -65,6 +67,80 @@ TEST(Rynctl, CommandsAndTheirMessages) {
     uint32_t used = 0, entry = 0;
     ASSERT_EQ(RynDspCreateProgramImageEx(program.path(), "", 318, expected, &used, &entry), 0u);
     EXPECT_EQ(bytes, std::string(reinterpret_cast<const char *>(expected), 2 * used));
+}
+
+// A mono 8 kHz 16-bit WAV file of `samples`, or of another format.
+void writeWav(const std::string &path, const std::vector<int16_t> &samples, uint16_t channels = 1) {
+    const auto le = [](uint32_t v, int n) { return std::string(reinterpret_cast<const char *>(&v), n); };
+    const uint32_t data = static_cast<uint32_t>(samples.size() * 2);
+    std::ofstream out(path, std::ios::binary);
+    out << "RIFF" << le(36 + data, 4) << "WAVEfmt " << le(16, 4) << le(1, 2) << le(channels, 2) << le(8000, 4)
+        << le(16000 * channels, 4) << le(2 * channels, 2) << le(16, 2) << "data" << le(data, 4);
+    out.write(reinterpret_cast<const char *>(samples.data()), data);
+}
+
+// The power of one frequency in 8 kHz samples (Goertzel).
+double power(const std::vector<int16_t> &samples, size_t first, size_t count, double hertz) {
+    const double c = 2 * std::cos(2 * M_PI * hertz / 8000);
+    double s1 = 0, s2 = 0;
+    for (size_t i = first; i < first + count; ++i) {
+        const double s = samples[i] + c * s1 - s2;
+        s2 = s1;
+        s1 = s;
+    }
+    return s1 * s1 + s2 * s2 - c * s1 * s2;
+}
+
+// The board commands run against the virtual board beside the tool, each
+// command with a board of its own.
+TEST(Rynctl, OnTheVirtualBoard) {
+    TempFile program(CoffFile{0xC2, 0x98, 28, {{".text", 0x7E16, words(64)}}, {}}.bytes());
+    const std::string dir = std::string(program.path()) + "-", recorded = dir + "dial.wav", made = dir + "made.wav";
+    // The test's own DTMF: '0' (941 + 1336 Hz) then '#' (941 + 1477 Hz), 60 ms each, 60 ms apart.
+    std::vector<int16_t> tones;
+    for (const double high : {1336.0, 1477.0}) {
+        for (int n = 0; n < 480; ++n)
+            tones.push_back(static_cast<int16_t>(2000 * (std::sin(2 * M_PI * 941 * n / 8000) +
+                                                         std::sin(2 * M_PI * high * n / 8000))));
+        tones.insert(tones.end(), 480, 0);
+    }
+    writeWav(made, tones);
+    writeWav(dir + "stereo.wav", tones, 2);
+    const std::tuple<std::string, int, std::string> cases[] = {
+        {"demo", 0, "dialled \"1234#\", detected \"1234#\""},
+        {"demo", 0, "everything came back as sent"},
+        {"list", 0, "0x10000005  dsp:1     type 3    DSP 1"},
+        {"attr dsp:0 5 77", 0, "  5  settable  77 (0x4D)"},
+        {"attr 0 13", 0, "\"1.01.47.0\""},
+        {"attr nowhere:3", 1, "names no device"},
+        {"events hdlc:1 --count 1", 0, "Device enabled"},
+        {"load dsp:0 " + std::string(program.path()), 0, " 33  read-only 0 (0x0)"},  // built-in module 0's entry
+        {"record dtmf:1234# " + recorded + " --seconds 1", 0, "8000 samples"},
+        {"play " + recorded + " dtmf", 0, "detected: 1234#"},
+        {"play " + made + " dtmf", 0, "detected: 0#"},
+        {"play " + dir + "stereo.wav dtmf", 1, "holds 2 channel(s) of 16-bit PCM at 8000 Hz; the board takes"},
+        {"record tone:5000 " + recorded, 1, "give 1 to 5 frequencies below 4000 Hz"},
+    };
+    for (const auto &[arguments, code, line] : cases) {
+        const auto [out, status] = rynctl(arguments);
+        EXPECT_EQ(status, code) << arguments;
+        EXPECT_NE(out.find(line), std::string::npos) << arguments << ": " << out;
+    }
+    for (const char *command : {"demo", "list", "attr", "events", "load", "record", "play"})
+        EXPECT_EQ(rynctl(std::string(command) + " --help").second, 0) << command;
+
+    // The recording decoded here: '1' is 697 + 1209 Hz, above every other DTMF frequency.
+    std::ifstream in(recorded, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    ASSERT_EQ(bytes.size(), 44u + 16000u);
+    std::vector<int16_t> dialled(8000);
+    std::memcpy(dialled.data(), bytes.data() + 44, 16000);
+    const double low = power(dialled, 0, 400, 697), high = power(dialled, 0, 400, 1209);
+    for (const double other : {770.0, 852.0, 941.0, 1336.0, 1477.0, 1633.0}) {
+        EXPECT_GT(low, 20 * power(dialled, 0, 400, other)) << other;
+        EXPECT_GT(high, 20 * power(dialled, 0, 400, other)) << other;
+    }
+    for (const auto &file : {recorded, made, dir + "stereo.wav"}) std::remove(file.c_str());
 }
 
 }  // namespace

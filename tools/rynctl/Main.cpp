@@ -8,13 +8,17 @@ namespace {
 
 int usage() {
     std::fprintf(stderr,
-                 "usage: rynctl info                      library and driver versions\n"
+                 "usage: rynctl demo                      the library at work on the board (see demo --help)\n"
+                 "       rynctl info                      library and driver versions\n"
                  "       rynctl list                      the board's device tree\n"
                  "       rynctl attr DEVICE [ID [VALUE]]  read or set attributes\n"
                  "       rynctl events DEVICE [--count N] [--timeout MS]\n"
                  "                                        print event records as they come\n"
                  "       rynctl load DEVICE FILE [--entry NAME]\n"
                  "                                        load and start a DSP program file\n"
+                 "       rynctl record SOURCE FILE.wav [--seconds N]\n"
+                 "                                        record a generator or dialler block\n"
+                 "       rynctl play FILE.wav DETECTOR    feed a WAV file to a detector block\n"
                  "       rynctl spm list | run DEVICE MODULE\n"
                  "                                        the built-in DSP modules\n"
                  "       rynctl coff FILE [--entry NAME]  what a DSP program file holds\n"
@@ -30,8 +34,9 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
-    {"list", rynctl::list}, {"attr", rynctl::attr}, {"events", rynctl::events}, {"load", rynctl::load},
-    {"spm", rynctl::spm},   {"coff", rynctl::coff}, {"image", rynctl::image},
+    {"demo", rynctl::demo}, {"list", rynctl::list}, {"attr", rynctl::attr},   {"events", rynctl::events},
+    {"load", rynctl::load}, {"record", rynctl::record}, {"play", rynctl::play}, {"spm", rynctl::spm},
+    {"coff", rynctl::coff}, {"image", rynctl::image},
 };
 
 }  // namespace

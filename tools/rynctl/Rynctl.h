@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -51,6 +52,9 @@ int attr(int argc, char **argv);
 int events(int argc, char **argv);
 int load(int argc, char **argv);
 int spm(int argc, char **argv);
+int record(int argc, char **argv);
+int play(int argc, char **argv);
+int demo(int argc, char **argv);
 int coff(int argc, char **argv);
 int image(int argc, char **argv);
 

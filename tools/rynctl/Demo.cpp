@@ -1,0 +1,164 @@
+// rynctl demo: the library at work on the board, one step after the other,
+// each checked against what was sent.
+#include <cstring>
+#include <string>
+
+#include "Rynctl.h"
+
+namespace rynctl {
+namespace {
+
+constexpr const char *kDigits = "1234#";
+constexpr uint32_t kModule = 0;  // the built-in module run on DSP 0
+constexpr int32_t kDtmfDialler = 105, kDtmfDetector = 111;
+constexpr int32_t kModuleAttribute = 33, kEntryAttribute = 34, kProgramStateAttribute = 35;
+constexpr uint32_t kDigitEvent = 0x0500, kDialDoneEvent = 0x0506;
+constexpr uint32_t kRunning = 2;
+
+int demoUsage(FILE *to) {
+    std::fprintf(to,
+                 "usage: rynctl demo\n"
+                 "Shows the library at work on the board (the virtual board when no other is installed):\n"
+                 "  1. board  connects to the driver, prints its version and enumerates its device tree.\n"
+                 "  2. dsp    runs built-in signal-processing module %u on DSP 0 (RynDspRunSpm: the library\n"
+                 "            picks the image for the DSP's type and ships it) and reads back which module\n"
+                 "            the DSP reports running.\n"
+                 "  3. dtmf   creates a DTMF dialler and a DTMF detector on DSP 0, connects the dialler's\n"
+                 "            output to the detector, waits on a driver event queue for the detector's\n"
+                 "            events, dials \"%s\" and prints each digit detected with its event.\n"
+                 "  4. hdlc   sets up HDLC channel 0, sends three frames through its loopback and reads\n"
+                 "            them back.\n"
+                 "Then a summary. Exits 0 only when every step came back as sent.\n",
+                 kModule, kDigits);
+    return to == stdout ? 0 : 2;
+}
+
+bool ok(const char *what, ResultCode result) {
+    if (RynFailure(result)) printResult(what, result);
+    return RynSuccess(result);
+}
+
+bool showBoard() {
+    std::printf("== 1. board\n");
+    char version[80] = {};
+    if (!ok("driver version", readText(RYN_DRIVER_PSEUDO_HANDLE, 13, version, sizeof version))) return false;
+    std::printf("driver %s\n", version);
+    uint32_t devices = 0;
+    int32_t types = 0;
+    for (RynDrvIteratorBegin(&types); RynDrvIsIteratorEnd(&types);) {
+        int32_t type = 0;
+        if (!ok("device types", RynDrvEnumDeviceType_12(0, &types, &type))) return false;
+        uint32_t count = 0;
+        int32_t ids = 0;
+        for (RynDrvIteratorBegin(&ids); RynDrvIsIteratorEnd(&ids); ++count) {
+            uint32_t id = 0;
+            if (!ok("devices", RynDrvEnumDevice_16(0, type, &ids, &id))) return false;
+        }
+        const char *name = typeName(type);
+        std::printf("  %u x %s\n", count, name != nullptr ? name : std::to_string(type).c_str());
+        devices += count;
+    }
+    std::printf("%u devices\n", devices);
+    return devices != 0;
+}
+
+bool runModule(DeviceHandle dsp) {
+    std::printf("== 2. dsp\n");
+    if (!ok("run module", RynDspRunSpm(dsp, kModule))) return false;
+    uint32_t module = 0, entry = 0, state = 0;
+    if (!ok("running module", RynDrvGetAttributeValueUint32_12(dsp, kModuleAttribute, &module)) ||
+        !ok("entry address", RynDrvGetAttributeValueUint32_12(dsp, kEntryAttribute, &entry)) ||
+        !ok("program state", RynDrvGetAttributeValueUint32_12(dsp, kProgramStateAttribute, &state)))
+        return false;
+    std::printf("DSP 0 runs built-in module %u from entry address 0x%X\n", module, entry);
+    return module == kModule && state == kRunning;
+}
+
+bool dialAndDetect(DeviceHandle dsp, std::string &detected) {
+    std::printf("== 3. dtmf\n");
+    DeviceHandle dialler = 0, detector = 0, queue = 0;
+    OsaHandle event = 0;
+    bool good = ok("dialler", RynDrvCreateLogicalDevice(dsp, kDtmfDialler, 0, 0, &dialler)) &&
+                ok("detector", RynDrvCreateLogicalDevice(dsp, kDtmfDetector, 0, 0, &detector)) &&
+                ok("dialler set-up", RynToneDtmfDiallerInit(dialler, 0, 0, 6, 0)) &&
+                ok("detector set-up", RynToneDtmfDetectorInit(detector, 0, 0)) &&
+                ok("connect", RynDrvConnectLogicalDevice(dialler, 0, detector, 0)) &&
+                ok("event object", RynDrvCreateEvent(&event)) &&
+                ok("event queue", RynDrvCreateEventQueue(dsp, event, &queue));  // events of DSP 0's blocks
+    if (good) {
+        std::printf("dialler 0x%08X -> detector 0x%08X, dialling \"%s\"\n", dialler, detector, kDigits);
+        good = ok("dial", RynToneDtmfDial(dialler, kDigits, static_cast<int32_t>(std::strlen(kDigits)), 0, 0));
+    }
+    // Records as they come, until the dialler says it has finished.
+    for (EventData record{}; good;) {
+        if (RynDrvGetEventData(queue, &record) != 0) {
+            if (RynDrvWaitForSingleEvent(event, 2000) != 0) break;
+            continue;
+        }
+        if (record.word[3] == kDigitEvent && record.word[4] == detector) {
+            detected += static_cast<char>(record.word[5]);
+            std::printf("  digit '%c' detected  ", static_cast<char>(record.word[5]));
+            printEvent(record);
+        } else if (record.word[3] == kDialDoneEvent) {
+            std::printf("  dialling finished    ");
+            printEvent(record);
+            break;
+        }
+    }
+    if (queue != 0) RynDrvClose(queue);
+    if (event != 0) RynDrvCloseEvent(event);
+    if (detector != 0) RynDrvClose(detector);
+    if (dialler != 0) RynDrvClose(dialler);
+    std::printf("dialled \"%s\", detected \"%s\"\n", kDigits, detected.c_str());
+    return good && detected == kDigits;
+}
+
+bool loopFrames(uint32_t &returned) {
+    std::printf("== 4. hdlc\n");
+    const auto channel = findDevice("hdlc:0");
+    if (!channel || !ok("sender set-up", RynHdlcSenderInit(*channel, 0, 0, 0, 0, 0, 0)) ||
+        !ok("receiver set-up", RynHdlcReceiverInit(*channel, 0, 0, 0, 0, 0, 0, 0)))
+        return false;
+    const char *const frames[] = {"first frame", "a second, longer frame through the loopback", "#3"};
+    for (const char *frame : frames)
+        if (!ok("send frame", RynHdlcSendData(*channel, frame, static_cast<uint32_t>(std::strlen(frame)), 0, 0)))
+            return false;
+    for (const char *frame : frames) {
+        char buffer[256] = {};
+        uint32_t length = 0;
+        if (!ok("read frame", RynHdlcReadData(*channel, buffer, sizeof buffer, &length, nullptr, nullptr, nullptr)))
+            return false;
+        const bool same = length == std::strlen(frame) && std::memcmp(buffer, frame, length) == 0;
+        std::printf("  sent %2zu bytes, read %2u bytes: \"%.*s\"%s\n", std::strlen(frame), length,
+                    static_cast<int>(length < sizeof buffer ? length : sizeof buffer), buffer, same ? "" : "  DIFFERS");
+        returned += same;
+    }
+    return returned == 3;
+}
+
+}  // namespace
+
+int demo(int argc, char **argv) {
+    if (argc == 1 && std::strcmp(argv[0], "--help") == 0) return demoUsage(stdout);
+    if (argc != 0) return demoUsage(stderr);
+    Session session;
+    if (!session.ok()) return 1;
+    const bool board = showBoard();
+    const auto dsp = findDevice("dsp:0");
+    const bool module = dsp && runModule(*dsp);
+    std::string detected;
+    const bool dtmf = dsp && dialAndDetect(*dsp, detected);
+    uint32_t frames = 0;
+    const bool hdlc = loopFrames(frames);
+    std::printf("== summary\n");
+    std::printf("  board   %s\n", board ? "enumerated" : "FAILED");
+    std::printf("  dsp     %s\n", module ? "built-in module running" : "FAILED");
+    std::printf("  dtmf    %zu of %zu digits detected%s\n", detected.size() <= std::strlen(kDigits) ? detected.size() : 0,
+                std::strlen(kDigits), dtmf ? "" : "  FAILED");
+    std::printf("  hdlc    %u of 3 frames came back%s\n", frames, hdlc ? "" : "  FAILED");
+    const bool good = board && module && dtmf && hdlc;
+    std::printf("%s\n", good ? "everything came back as sent" : "something did not come back as sent");
+    return good ? 0 : 1;
+}
+
+}  // namespace rynctl
