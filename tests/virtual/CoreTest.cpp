@@ -1,5 +1,6 @@
 // The device core on the virtual board: the device tree, handles, attributes,
 // event queues across threads, connections, and requests that lie.
+#include <atomic>
 #include <cstring>
 #include <string>
 #include <thread>
@@ -86,6 +87,24 @@ TEST_F(VirtualBoardTest, EventQueuesDeliverAcrossThreads) {
     char text[256];
     EXPECT_EQ(RynDrvEventCode2String(0, 0x0500, 0, text), 0u);
     EXPECT_STREQ(text, "DTMF digit detected");
+}
+
+TEST_F(VirtualBoardTest, ThreadsCallAtOnce) {
+    const DeviceHandle dsp = device(kDsp);
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (uint32_t t = 0; t < 4; ++t)
+        threads.emplace_back([&, t] {
+            for (uint32_t i = 0; i < 300; ++i) {
+                DeviceHandle pipe = 0;
+                uint32_t value = 0;
+                if (RynDrvWriteReg32(dsp, t, i) != 0 || RynDrvCreatePipe(0, &pipe) != 0 ||
+                    RynDrvReadReg32(dsp, t, &value) != 0 || value != i || RynDrvClose(pipe) != 0)
+                    ++wrong;
+            }
+        });
+    for (auto &thread : threads) thread.join();
+    EXPECT_EQ(wrong, 0);
 }
 
 TEST_F(VirtualBoardTest, BlocksPipesAndConnectionsLiveUntilClosed) {
