@@ -228,6 +228,7 @@ struct Call {
     const Input &in;
     Output &out;
     uint32_t replyLength = 0;  // set by handlers whose reply length follows the request
+    uint32_t refusal = 0;      // set by an attribute getter that refuses to give its value
 };
 
 using Handler = uint32_t (*)(Call &);
@@ -252,7 +253,8 @@ Table familyTable(Family family);
 
 // Attributes an object has beside the common ones (1 device type, 2 device
 // number, 3 name, 4 state, 5 label). A getter gets the caller's buffer
-// length, for values whose size the caller chooses; a setter returns a
+// length, for values whose size the caller chooses (0 for a type query), and
+// refuses by setting call.refusal to a result code; a setter returns a
 // result code. Type codes: 0 text with its terminator, 1 Boolean (4 bytes),
 // 2 unsigned 32-bit, 3 binary block.
 struct Attribute {

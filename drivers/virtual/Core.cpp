@@ -264,7 +264,11 @@ Value objectAttribute(Call &call, Object &object, int32_t id, uint32_t capacity)
         case 5: return {0, 2, wordValue(object.label)};
         default: break;
     }
-    if (const Attribute *a = familyAttribute(object, id)) return {0, a->type, a->get(call, object, capacity)};
+    if (const Attribute *a = familyAttribute(object, id)) {
+        Value value{0, a->type, a->get(call, object, capacity)};
+        if (call.refusal != 0) value = {call.refusal, 0, {}};
+        return value;
+    }
     return {VB_FAILURE(kUnknownAttribute), 0, {}};
 }
 

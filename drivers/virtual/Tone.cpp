@@ -518,13 +518,17 @@ constexpr int32_t kAttributeAudioOut = 30, kAttributeAudioIn = 31;
 constexpr uint32_t kTypeBinary = 3;
 
 // Attribute 30 of a generator: the next samples of its output (as many as
-// the caller's buffer holds, at most 64 KiB), little-endian. A free-running
+// the caller's buffer holds, at most 64 KiB, else error 9), little-endian;
+// another block has no output to give (error 6). A free-running
 // generator's samples also go to the connected blocks; a dialler's or
 // sequence generator's went there with the dial or send.
 std::vector<uint8_t> renderAudio(Call &call, Object &block, uint32_t capacity) {
-    if (!isGenerator(block.type)) return {};
+    if (!isGenerator(block.type) || capacity > kAudioBytes) {
+        call.refusal = isGenerator(block.type) ? VB_FAILURE(kOutOfRange) : VB_FAILURE(kNotProvided);
+        return {};
+    }
     Generator &g = generatorOf(block);
-    std::vector<int16_t> samples(std::min(capacity, kAudioBytes) / 2);
+    std::vector<int16_t> samples(capacity / 2);
     if (running(block) && g.source != nullptr)
         for (int16_t &s : samples) s = g.source->next();
     if (!samples.empty()) g.last = samples.back();
@@ -549,7 +553,11 @@ uint32_t receiveAudio(Call &call, Object &block, std::span<const uint8_t> value)
     return 0;
 }
 
-std::vector<uint8_t> nothing(Call &, Object &, uint32_t) { return {}; }
+// Attribute 31 is set only.
+std::vector<uint8_t> nothing(Call &call, Object &, uint32_t capacity) {
+    if (capacity != 0) call.refusal = VB_FAILURE(kNotProvided);
+    return {};
+}
 
 const Attribute kAttributes[] = {
     {kAttributeAudioOut, kTypeBinary, renderAudio, nullptr},

@@ -191,6 +191,9 @@ TEST_F(ToneTest, BlocksRefuseWhatIsNotTheirs) {
     EXPECT_EQ(errorOf(send(dialler, Samples(8))), 6u);
     EXPECT_EQ(errorOf(send(detector, Samples(32769))), 9u);
     EXPECT_EQ(errorOf(RynDrvSetAttributeValue(detector, kAudioIn, "abc", 3)), 9u);
+    std::vector<uint8_t> out(65538);  // a detector has no output; a generator gives 64 KiB at most
+    EXPECT_EQ(errorOf(RynDrvGetAttributeValue(detector, 30, out.data(), 4, nullptr)), 6u);
+    EXPECT_EQ(errorOf(RynDrvGetAttributeValue(dialler, 30, out.data(), 65538, nullptr)), 9u);
     EXPECT_EQ(errorOf(RynToneDtmfDiallerInit(dialler, 2000, 0, 0, 0)), 9u);
 }
 
