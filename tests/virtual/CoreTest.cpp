@@ -1,6 +1,8 @@
 // The device core on the virtual board: the device tree, handles, attributes,
 // event queues across threads, connections, and requests that lie.
+#include <algorithm>
 #include <atomic>
+#include <random>
 #include <cstring>
 #include <string>
 #include <thread>
@@ -142,14 +144,60 @@ TEST_F(VirtualBoardTest, LyingRequestsAreAnsweredWithFailures) {
     std::memcpy(request + 16, &dsp, 4);
     EXPECT_EQ(errorOf(send(0x816, 19, 16)), 12u);  // short request
     EXPECT_EQ(errorOf(send(0x816, 20, 12)), 12u);  // short reply
-    EXPECT_EQ(reply[20], 0xAA);                      // nothing past the reply
+    EXPECT_EQ(reply[20], 0xAA);                    // nothing past the reply
     EXPECT_EQ(send(0x816, 20, 8), 0u);             // no room for a code: the call fails
     EXPECT_EQ(returned, 0u);
     std::memcpy(request + 16, &hdlc, 4);
-    EXPECT_EQ(errorOf(send(0x99E, 20, 16)), 6u);   // a number the HDLC family does not use
+    EXPECT_EQ(errorOf(send(0x99E, 20, 16)), 6u);  // a number the HDLC family does not use
     const uint32_t bogus = 0x70000001;
     std::memcpy(request + 16, &bogus, 4);
     EXPECT_EQ(errorOf(send(0x99A, 20, 12)), 11u);
+}
+
+// Requests of every function number, of random bytes and lengths, to objects
+// of every family: answered or refused, never written past the reply block.
+TEST_F(VirtualBoardTest, RandomRequestsStayInsideTheirBlocks) {
+    OsaHandle connection = 0;
+    ASSERT_EQ(RynDrvGetHandle(&connection), 0u);
+    const DeviceHandle handles[] = {0,
+                                    device(kBoard),
+                                    device(kT1E1),
+                                    device(kDsp),
+                                    device(kDsp, 1),
+                                    device(kHdlc),
+                                    device(kRawData),
+                                    device(kBurst),
+                                    device(kPots),
+                                    device(kSlic),
+                                    device(kJtag),
+                                    block(103),
+                                    block(111),
+                                    block(126),
+                                    block(140),
+                                    block(150),
+                                    0x70000001};
+    // Mostly lengths that the library's requests and replies have, so that the handlers run.
+    const uint32_t requestLengths[] = {20, 24, 26, 28, 29,  30,  32,  34,  36,  38,  40,  44,
+                                       48, 50, 52, 62, 160, 292, 544, 548, 702, 798, 2022};
+    const uint32_t replyLengths[] = {12, 14, 16, 20, 24, 28, 32, 44, 268, 1998, 2048};
+    std::mt19937 random(2026);
+    const auto pick = [&](const auto &lengths, uint32_t other) {
+        return random() % 4 != 0 ? lengths[random() % std::size(lengths)] : random() % other;
+    };
+    std::vector<uint8_t> request(2100), reply(2100 + 16);
+    for (int i = 0; i < 50000; ++i) {
+        const uint32_t function = random() % 2 ? 0x80A + random() % 0xCC : 0x99A + random() % 0x20;
+        const uint32_t inLength = pick(requestLengths, 2100), outLength = pick(replyLengths, 2100);
+        std::generate(request.begin(), request.end(), [&] { return static_cast<uint8_t>(random()); });
+        std::memcpy(&request[16], &handles[random() % std::size(handles)], 4);
+        std::fill(reply.begin(), reply.end(), 0xA5);
+        uint32_t returned = 0;
+        OsaDeviceIoControl(connection, 0x220000u | (function << 2), request.data(), inLength, reply.data(), outLength,
+                           &returned);
+        ASSERT_LE(returned, outLength) << std::hex << function;
+        ASSERT_TRUE(std::all_of(reply.begin() + outLength, reply.end(), [](uint8_t b) { return b == 0xA5; }))
+            << std::hex << function;
+    }
 }
 
 }  // namespace
