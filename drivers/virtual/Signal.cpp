@@ -30,6 +30,20 @@ int16_t saturate(int64_t value) { return static_cast<int16_t>(std::clamp<int64_t
 
 double angleOf(double hertz) { return kTwoPi * hertz / kSampleRate; }
 
+// The Goertzel recursion over samples at a cosine: the squared magnitude of
+// their Fourier transform at that frequency.
+template <typename Samples>
+double goertzel(const Samples &samples, double cosine) {
+    const double twice = 2.0 * cosine;
+    double s1 = 0, s2 = 0;
+    for (double x : samples) {
+        const double s0 = x + twice * s1 - s2;
+        s2 = s1;
+        s1 = s0;
+    }
+    return s1 * s1 + s2 * s2 - twice * s1 * s2;
+}
+
 }  // namespace
 
 // ---- Numbers ----------------------------------------------------------------
@@ -45,6 +59,16 @@ double frequencyOf(uint16_t coefficient) { return std::acos(cosineOf(coefficient
 double peakOf(double attenuationDb) { return kReferencePeak * std::pow(10.0, -attenuationDb / 20.0); }
 
 uint64_t samplesOf(uint64_t milliseconds) { return milliseconds * kSamplesPerMs; }
+
+// ---- Measures ---------------------------------------------------------------
+
+double energy(std::span<const int16_t> samples) {
+    double sum = 0;
+    for (int16_t x : samples) sum += static_cast<double>(x) * x;
+    return sum;
+}
+
+double powerAt(std::span<const int16_t> samples, double hertz) { return goertzel(samples, std::cos(angleOf(hertz))); }
 
 // ---- Sources ----------------------------------------------------------------
 
@@ -118,8 +142,7 @@ int16_t EffectSource::next() {
 
 namespace {
 
-constexpr double kDtmfLow[] = {697, 770, 852, 941};
-constexpr double kDtmfHigh[] = {1209, 1336, 1477, 1633};
+constexpr double kDtmfFrequencies[2 * kDtmfGroup] = {697, 770, 852, 941, 1209, 1336, 1477, 1633};
 constexpr char kDtmfCharacters[] = "123A456B789C*0#D";
 
 constexpr double kMfFrequencies[] = {700, 900, 1100, 1300, 1500, 1700};
@@ -137,9 +160,12 @@ constexpr MfDigit kMfDigits[] = {
 std::optional<Pair> dtmfPair(uint8_t character) {
     const int upper = std::toupper(character);
     for (int i = 0; i < 16; ++i)
-        if (upper != 0 && kDtmfCharacters[i] == upper) return Pair{kDtmfLow[i / 4], kDtmfHigh[i % 4]};
+        if (upper != 0 && kDtmfCharacters[i] == upper)
+            return Pair{kDtmfFrequencies[i / kDtmfGroup], kDtmfFrequencies[kDtmfGroup + i % kDtmfGroup]};
     return std::nullopt;
 }
+
+std::span<const double, 2 * kDtmfGroup> dtmfFrequencies() { return kDtmfFrequencies; }
 
 std::optional<Pair> mfPair(uint8_t character) {
     const int upper = character == 'K' ? '*' : character == 'S' ? '#' : character;
@@ -183,12 +209,12 @@ std::vector<int16_t> sequence(std::span<const uint32_t> entries, uint32_t hold, 
 class Window {
 public:
     Window(std::span<const int16_t> samples, std::span<const double> weights) : weighted_(samples.size()) {
-        double halves[2] = {0, 0};
         for (size_t n = 0; n < samples.size(); ++n) {
             weighted_[n] = samples[n] * weights[n];
             weightSum_ += weights[n];
-            halves[2 * n >= samples.size()] += static_cast<double>(samples[n]) * samples[n];
         }
+        const size_t half = (samples.size() + 1) / 2;
+        const double halves[2] = {energy(samples.first(half)), energy(samples.subspan(half))};
         meanSquare_ = (halves[0] + halves[1]) / static_cast<double>(samples.size());
         const double larger = std::max(halves[0], halves[1]);
         steadiness_ = larger == 0 ? 1.0 : std::min(halves[0], halves[1]) / larger;
@@ -198,15 +224,7 @@ public:
 
     // The peak amplitude of the window's component at a cosine (Goertzel).
     double amplitude(double cosine) const {
-        const double twice = 2.0 * cosine;
-        double s1 = 0, s2 = 0;
-        for (double x : weighted_) {
-            const double s0 = x + twice * s1 - s2;
-            s2 = s1;
-            s1 = s0;
-        }
-        const double power = s1 * s1 + s2 * s2 - twice * s1 * s2;
-        return 2.0 * std::sqrt(std::max(power, 0.0)) / weightSum_;
+        return 2.0 * std::sqrt(std::max(goertzel(weighted_, cosine), 0.0)) / weightSum_;
     }
 
 private:
@@ -333,8 +351,7 @@ bool Receiver::quiet(const Window &window) const {
 // ---- DTMF -------------------------------------------------------------------
 
 DtmfReceiver::DtmfReceiver(const Limits &limits) : Receiver(kDigitWindow, limits) {
-    for (double hertz : kDtmfLow) filters_.push_back(Filter::of(coefficientOf(hertz)));
-    for (double hertz : kDtmfHigh) filters_.push_back(Filter::of(coefficientOf(hertz)));
+    for (double hertz : kDtmfFrequencies) filters_.push_back(Filter::of(coefficientOf(hertz)));
 }
 
 uint8_t DtmfReceiver::character(int symbol) {

@@ -1,7 +1,9 @@
 // The signal processing of the board's tone blocks, at 8000 samples a second
 // in 16-bit samples: the sources that generators and diallers play, and the
 // receivers that detectors run. Nothing here knows the board: the tone
-// family (Tone.cpp) feeds samples in and turns reports into events.
+// family (Tone.cpp) feeds samples in and turns reports into events, and the
+// telephony family (Telephony.cpp) plays its tones and measures its frames
+// with the same pieces.
 //
 // Levels are given as attenuations in dB below the reference, a sine of peak
 // amplitude 4096 (the 0 dB tone of the library's sine-wave set-up).
@@ -27,6 +29,15 @@ double cosineOf(uint16_t coefficient);
 double frequencyOf(uint16_t coefficient);  // the frequency a coefficient stands for
 double peakOf(double attenuationDb);       // the peak amplitude of a level
 uint64_t samplesOf(uint64_t milliseconds);
+
+// ---- Measures ---------------------------------------------------------------
+
+// The sum of the squared samples.
+double energy(std::span<const int16_t> samples);
+// The power of the samples at a frequency (Goertzel): the squared magnitude
+// of their Fourier transform there, N² a² / 4 for a sine of peak a filling
+// all N samples on the frequency.
+double powerAt(std::span<const int16_t> samples, double hertz);
 
 // ---- Sources ----------------------------------------------------------------
 
@@ -112,6 +123,10 @@ struct Pair {
 // # or S, ST' ST'' ST''' as A B C.
 std::optional<Pair> dtmfPair(uint8_t character);
 std::optional<Pair> mfPair(uint8_t character);
+// The DTMF frequencies: the low group (rows), then the high group (columns).
+// Row r with column c is the digit of DtmfReceiver's symbol 4 r + c.
+inline constexpr size_t kDtmfGroup = 4;
+std::span<const double, 2 * kDtmfGroup> dtmfFrequencies();
 
 struct DialTiming {
     uint64_t toneSamples, pauseSamples;

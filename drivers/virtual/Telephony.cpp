@@ -24,17 +24,19 @@
 // a frame when it holds a tenth of the frame's energy or more (a lone tone
 // holds a half, each of two equal tones a quarter) and the frame's level is
 // above the detector's floor.
+//
+// The sources, the DTMF digits and the Goertzel measure are the tone
+// family's (Signal.h); what is the telephony blocks' own is their framing,
+// their floors and their rules for what a frame holds.
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cctype>
 #include <cmath>
-#include <cstring>
-#include <numbers>
 #include <optional>
 #include <vector>
 
 #include "Families.h"
+#include "Signal.h"
 
 namespace vb {
 namespace {
@@ -81,44 +83,35 @@ uint32_t only(Call &call) {
 
 // ---- Signals --------------------------------------------------------------
 
-constexpr double kSampleRate = 8000;
 constexpr double kFullScale = 32767;
 constexpr double kPresentShare = 0.1;
-constexpr uint32_t kSamplesPerMs = 8;
 constexpr size_t kPlayFrame = 160;     // 20 ms
 constexpr size_t kLongestFrame = 400;  // the call-progress detector's 50 ms
 
-// Levels are given in dB below full scale (a sine's peak at full scale).
-double amplitude(uint32_t dbBelow) { return kFullScale * std::pow(10.0, -static_cast<double>(dbBelow) / 20); }
+// Levels are given in dB below full scale (a sine's peak at full scale),
+// where the tone family's are below its reference peak.
+double amplitude(uint32_t dbBelow) { return signal::peakOf(dbBelow) * kFullScale / signal::kReferencePeak; }
 double meanPowerFloor(uint32_t dbBelow) {
-    return kFullScale * kFullScale / 2 * std::pow(10.0, -static_cast<double>(dbBelow) / 10);
+    const double peak = amplitude(dbBelow);
+    return peak * peak / 2;  // a sine's
 }
 
-double energy(std::span<const int16_t> frame) {
-    double sum = 0;
-    for (int16_t x : frame) sum += static_cast<double>(x) * x;
-    return sum;
-}
-
-double goertzel(std::span<const int16_t> frame, double frequency) {
-    const double w = 2 * std::cos(2 * std::numbers::pi * frequency / kSampleRate);
-    double s1 = 0, s2 = 0;
-    for (int16_t x : frame) {
-        const double s0 = x + w * s1 - s2;
-        s2 = s1;
-        s1 = s0;
-    }
-    return s1 * s1 + s2 * s2 - w * s1 * s2;
-}
+// The generators' oscillators always play at this peak, two of them within
+// 16 bits, and their sum is scaled to the level asked for: the integer
+// oscillator keeps its frequency only at peaks well above its rounding, and
+// the quietest level (a peak of 33) is not.
+constexpr double kOscillatorPeak = 16383;
+double scaleOf(uint32_t dbBelow) { return amplitude(dbBelow) / kOscillatorPeak; }
 
 // The frequencies of `list` present in the frame: bit i for list[i]; none in
 // a frame quieter than `floor` (a mean power).
-uint32_t presentMask(std::span<const int16_t> frame, std::span<const uint16_t> list, double floor) {
-    const double total = energy(frame);
+uint32_t presentMask(std::span<const int16_t> frame, std::span<const double> list, double floor) {
+    const double total = signal::energy(frame);
     if (frame.empty() || total / static_cast<double>(frame.size()) < floor) return 0;
     uint32_t mask = 0;
     for (size_t i = 0; i < list.size() && i < 32; ++i)
-        if (goertzel(frame, list[i]) / (static_cast<double>(frame.size()) * total) >= kPresentShare) mask |= 1u << i;
+        if (signal::powerAt(frame, list[i]) / (static_cast<double>(frame.size()) * total) >= kPresentShare)
+            mask |= 1u << i;
     return mask;
 }
 
@@ -141,43 +134,19 @@ private:
     size_t count_ = 0;
 };
 
-// Two frequencies played together; 0 for none (silence).
-struct Pair {
-    uint16_t low = 0, high = 0;
-};
-
-// Plays `ms` of the pair from `source` on the board's sample clock. `clock`
-// counts the source's samples, so that the phase runs on from call to call.
-void play(Board &board, const Object &source, Pair pair, double peak, uint32_t ms, uint64_t &clock) {
+// Plays the next `ms` of `source`, scaled by `scale`, from `block` on the
+// board's sample clock.
+void play(Board &board, const Object &block, signal::Source &source, double scale, uint32_t ms) {
+    const auto next = [&] {
+        return static_cast<int16_t>(std::clamp(std::lround(source.next() * scale), -32768l, 32767l));
+    };
     std::array<int16_t, kPlayFrame> frame{};
-    for (uint64_t left = uint64_t{ms} * kSamplesPerMs; left > 0;) {
+    for (uint64_t left = signal::samplesOf(ms); left > 0;) {
         const size_t count = static_cast<size_t>(std::min<uint64_t>(left, frame.size()));
-        for (size_t i = 0; i < count; ++i) {
-            const double t = static_cast<double>(clock + i) / kSampleRate;
-            double value = 0;
-            if (pair.low != 0) value += peak * std::sin(2 * std::numbers::pi * pair.low * t);
-            if (pair.high != 0) value += peak * std::sin(2 * std::numbers::pi * pair.high * t);
-            frame[i] = static_cast<int16_t>(std::clamp(std::lround(value), -32768l, 32767l));
-        }
-        clock += count;
+        std::generate_n(frame.begin(), count, next);
         left -= count;
-        board.deliver(source, std::span<const int16_t>(frame.data(), count));
+        board.deliver(block, std::span<const int16_t>(frame.data(), count));
         board.advance(count * kSampleInterval);
-    }
-}
-
-// Tone bursts of `onMs` and pauses of `offMs` for `lengthMs` in all; a tone
-// without pauses when `offMs` is 0.
-void playCadence(Board &board, const Object &source, Pair pair, double peak, uint32_t onMs, uint32_t offMs,
-                 uint32_t lengthMs, uint64_t &clock) {
-    if (offMs == 0) return play(board, source, pair, peak, lengthMs, clock);
-    for (uint32_t done = 0; done < lengthMs;) {
-        const uint32_t on = std::min(onMs, lengthMs - done);
-        play(board, source, pair, peak, on, clock);
-        done += on;
-        const uint32_t off = std::min(offMs, lengthMs - done);
-        play(board, source, {}, peak, off, clock);
-        done += off;
     }
 }
 
@@ -189,31 +158,22 @@ constexpr uint32_t kDefaultFloorDb = 40, kHighestFloorDb = 1, kLowestFloorDb = 9
 
 // ---- DTMF dialler and detector --------------------------------------------
 
-constexpr uint16_t kDtmfFrequencies[] = {697, 770, 852, 941, 1209, 1336, 1477, 1633};  // rows, then columns
-constexpr char kDtmfKeys[] = "123A456B789C*0#D";                                       // row by row
 constexpr uint32_t kMaxDialDigits = 127;
 constexpr uint32_t kDialDigits = 20, kDialCount = 148, kDialOnMs = 152, kDialPauseMs = 156;
 constexpr uint32_t kDefaultDigitMs = 80, kShortestDigitMs = 20, kLongestDigitMs = 2000;
 constexpr size_t kDtmfFrame = 205;  // 25.6 ms
 constexpr uint32_t kDefaultMinDigitMs = 40, kShortestMinDigitMs = 10, kLongestMinDigitMs = 1000;
 
-std::optional<Pair> dtmfPair(uint8_t key) {
-    const char *found = std::strchr(kDtmfKeys, std::toupper(key));
-    if (key == 0 || found == nullptr) return std::nullopt;
-    const auto index = static_cast<size_t>(found - kDtmfKeys);
-    return Pair{kDtmfFrequencies[index / 4], kDtmfFrequencies[4 + index % 4]};
-}
-
 // The key of a frame with one row and one column frequency, else 0.
 char dtmfKey(uint32_t mask) {
-    const uint32_t rows = mask & 0xFu, columns = mask >> 4;
+    const uint32_t rows = mask & ((1u << signal::kDtmfGroup) - 1), columns = mask >> signal::kDtmfGroup;
     if (std::popcount(rows) != 1 || std::popcount(columns) != 1) return 0;
-    return kDtmfKeys[4 * std::countr_zero(rows) + std::countr_zero(columns)];
+    const int symbol = static_cast<int>(signal::kDtmfGroup) * std::countr_zero(rows) + std::countr_zero(columns);
+    return static_cast<char>(signal::DtmfReceiver::character(symbol));
 }
 
 struct DtmfDialler : Block {
     uint32_t levelDb = kDefaultLevelDb;
-    uint64_t clock = 0;
 };
 
 // param1: level of each frequency in dB below full scale (0: 10; 6..60).
@@ -224,6 +184,20 @@ uint32_t diallerInit(Call &call) {
     dialler.levelDb = *level;
     dialler.setUp = kBasicSetUp;
     return 0;
+}
+
+// Each digit's pair for the digit time, then the pause; digit by digit, so
+// that the frames played break where the digits and pauses do.
+void playDigits(Board &board, const Object &block, std::span<const uint8_t> digits, uint32_t levelDb, uint32_t onMs,
+                uint32_t pauseMs) {
+    const signal::DialTiming timing{signal::samplesOf(onMs), signal::samplesOf(pauseMs), 0, kOscillatorPeak,
+                                    kOscillatorPeak};
+    for (uint8_t key : digits) {
+        const signal::Pair pair = *signal::dtmfPair(key);
+        signal::Playback digit(signal::dial({&pair, 1}, timing));
+        play(board, block, digit, scaleOf(levelDb), onMs);
+        play(board, block, digit, scaleOf(levelDb), pauseMs);
+    }
 }
 
 // The digits 0-9, *, #, A-D (either case); digit time at 152 (0: 80 ms;
@@ -238,12 +212,9 @@ uint32_t dtmfDial(Call &call) {
     const auto pauseMs = setting(call.in.u32(kDialPauseMs), onMs.value_or(0), 1, kLongestDigitMs);
     if (!onMs || !pauseMs) return VB_FAILURE(kOutOfRange);
     const auto digits = call.in.bytes(kDialDigits, count);
-    if (!std::all_of(digits.begin(), digits.end(), [](uint8_t key) { return dtmfPair(key).has_value(); }))
+    if (!std::all_of(digits.begin(), digits.end(), [](uint8_t key) { return signal::dtmfPair(key).has_value(); }))
         return VB_FAILURE(kOutOfRange);
-    for (uint8_t key : digits) {
-        play(call.board, *call.object, *dtmfPair(key), amplitude(dialler.levelDb), *onMs, dialler.clock);
-        play(call.board, *call.object, {}, 0, *pauseMs, dialler.clock);
-    }
+    playDigits(call.board, *call.object, digits, dialler.levelDb, *onMs, *pauseMs);
     call.board.post(*call.object, kEventDialDone, count);
     return 0;
 }
@@ -279,13 +250,14 @@ uint32_t dtmfDetectorStatus(Call &call) {
 
 // A digit counts once, when it has lasted the shortest digit time.
 void dtmfFrame(Board &board, Object &block, DtmfDetector &detector, std::span<const int16_t> frame) {
-    const char key = dtmfKey(presentMask(frame, kDtmfFrequencies, meanPowerFloor(detector.floorDb)));
+    const char key = dtmfKey(presentMask(frame, signal::dtmfFrequencies(), meanPowerFloor(detector.floorDb)));
     if (key != detector.candidate) {
         detector.candidate = key;
         detector.frames = 0;
     }
     if (key == 0) return;
-    const uint32_t needed = static_cast<uint32_t>((detector.minDigitMs * kSamplesPerMs + kDtmfFrame - 1) / kDtmfFrame);
+    const uint32_t needed =
+        static_cast<uint32_t>((signal::samplesOf(detector.minDigitMs) + kDtmfFrame - 1) / kDtmfFrame);
     if (++detector.frames != std::max(needed, 1u)) return;
     detector.last = key;
     board.post(block, kEventDtmfDigit, static_cast<uint8_t>(key));
@@ -348,7 +320,7 @@ uint32_t voiceStatus(Call &call) {
 }
 
 void voiceFrame(Board &board, Object &block, VoiceActivity &detector, std::span<const int16_t> frame) {
-    const bool loud = energy(frame) / static_cast<double>(frame.size()) >= meanPowerFloor(detector.floorDb);
+    const bool loud = signal::energy(frame) / static_cast<double>(frame.size()) >= meanPowerFloor(detector.floorDb);
     if (loud) {
         detector.quietMs = 0;
         detector.loudMs += kVoiceFrameMs;
@@ -470,7 +442,7 @@ uint32_t echoInit(Call &call) {
 // The tones of the generator, and of the detector's built-in table.
 struct ProgressTone {
     uint32_t number;
-    Pair pair;
+    signal::Pair pair;     // 0 Hz: none
     uint32_t onMs, offMs;  // offMs 0: a steady tone
 };
 constexpr uint32_t kNoTone = 0;
@@ -480,7 +452,7 @@ constexpr ProgressTone kProgressTones[] = {
     {3, {440, 480}, 2000, 4000},  // ringback
     {4, {480, 620}, 250, 250},    // reorder (congestion)
 };
-constexpr uint16_t kProgressFrequencies[] = {350, 440, 480, 620};
+constexpr double kProgressFrequencies[] = {350, 440, 480, 620};
 constexpr uint32_t kSteadyToneMs = 500;  // a steady tone is recognised after this long
 constexpr uint32_t kDefaultSteadyLengthMs = 1000;
 constexpr uint32_t kDefaultCycles = 2;
@@ -497,8 +469,32 @@ const ProgressTone *progressTone(uint32_t number) {
 struct CptGenerator : Block {
     uint32_t levelDb = kDefaultLevelDb;
     uint32_t lengthMs = 0;  // 0: the tone's own length
-    uint64_t clock = 0;
 };
+
+// A tone's bursts and pauses (steady without pauses), each burst from the
+// start of its oscillators; silence for a tone without frequencies.
+signal::ToneBurst progressSource(const ProgressTone &tone) {
+    std::vector<signal::Oscillator> oscillators;
+    for (double hertz : {tone.pair.low, tone.pair.high})
+        if (hertz > 0) oscillators.push_back(signal::Oscillator::tone(hertz, kOscillatorPeak));
+    return signal::ToneBurst(std::move(oscillators), signal::samplesOf(tone.onMs), signal::samplesOf(tone.offMs),
+                             tone.offMs != 0);
+}
+
+// Plays `lengthMs` of the tone at `levelDb`, burst by burst and pause by pause.
+void playCadence(Board &board, const Object &block, const ProgressTone &tone, uint32_t levelDb, uint32_t lengthMs) {
+    signal::ToneBurst source = progressSource(tone);
+    const double scale = scaleOf(levelDb);
+    if (tone.offMs == 0) return play(board, block, source, scale, lengthMs);
+    for (uint32_t done = 0; done < lengthMs;) {
+        const uint32_t on = std::min(tone.onMs, lengthMs - done);
+        play(board, block, source, scale, on);
+        done += on;
+        const uint32_t off = std::min(tone.offMs, lengthMs - done);
+        play(board, block, source, scale, off);
+        done += off;
+    }
+}
 
 // param1: level of each frequency as for the DTMF dialler; param2: length of
 // every tone played, in ms (0: two cadence cycles, one second of a steady
@@ -525,8 +521,7 @@ uint32_t cptGenerateTone(Call &call) {
     if (tone == nullptr) return VB_FAILURE(kOutOfRange);
     const uint32_t ownLength = tone->offMs == 0 ? kDefaultSteadyLengthMs : kDefaultCycles * (tone->onMs + tone->offMs);
     const uint32_t length = generator.lengthMs != 0 ? generator.lengthMs : ownLength;
-    playCadence(call.board, *call.object, tone->pair, amplitude(generator.levelDb), tone->onMs, tone->offMs, length,
-                generator.clock);
+    playCadence(call.board, *call.object, *tone, generator.levelDb, length);
     call.board.post(*call.object, kEventSequenceDone, number);
     return 0;
 }
@@ -560,7 +555,7 @@ struct CptTone {
 };
 
 struct CptTable {
-    std::vector<uint16_t> frequencies;
+    std::vector<double> frequencies;  // Hz
     std::vector<CptTone> tones;
 };
 
@@ -573,7 +568,7 @@ struct CptDetector : Block {
     uint32_t last = kNoTone;       // the status
 };
 
-uint32_t progressBit(uint16_t frequency) {
+uint32_t progressBit(double frequency) {
     const auto *found = std::find(std::begin(kProgressFrequencies), std::end(kProgressFrequencies), frequency);
     return 1u << (found - std::begin(kProgressFrequencies));
 }
