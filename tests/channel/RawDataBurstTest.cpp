@@ -57,8 +57,7 @@ TEST_F(Burst, Requests) {
     sent(RynBurstReadData(h, 8, p, (n = 1, &n)), 0x99B, 28, 33, {h, 8, 1});
     sent(RynBurstReceiveData_16(h, 9, p, (n = 0, &n)), 0x99B, 28, 32, {h, 9, 0});
     driver.script(ScriptedReply{}.word(8, 42).word(12, 0xE000000F));
-    EXPECT_EQ(RynBurstSendData(h, 7, p, (n = 100, &n)), 0xE000000Fu);
-    EXPECT_EQ(n, 42u);
+    EXPECT_EQ((std::pair{RynBurstSendData(h, 7, p, (n = 100, &n)), n}), std::pair(0xE000000Fu, 42u));
 }
 
 // A read reply's count is checked against the capacity before anything is
@@ -71,7 +70,7 @@ TEST_F(Burst, ReplyCountAgainstTheCapacity) {
         {1, 64, 0xE000000F, 64, 64}, {1, 65, kBurst | 5, 64, 0}, {0, 10, RYN_RESULT_CALL_FAILED & kNoLine, 0, 0}};
     for (auto [ok, count, result, length, copied] : cases) {
         ScriptedReply reply = ScriptedReply{}.word(8, count).word(12, 0x55).word(16, 5).word(20, 0x66).word(24, 6);
-        reply.ok = ok, reply.bytes = {{32, std::vector<uint8_t>(64, 0x77)}};
+        reply.ok = ok, reply.put(32, std::vector<uint8_t>(64, 0x77));
         driver.script(reply.word(28, 0xE000000F));
         std::vector<uint8_t> buffer(65, 0xEE);
         uint32_t n = 64;

@@ -36,23 +36,13 @@ TEST_F(Level, ResultCodesReducedOnlyFrom10120To10139) {
     expectTranslations(compatResultCode, cases);
 }
 
+// The highest identifiers (the last two cases) wrap around as 32-bit values.
 TEST_F(Level, AttributeIdentifiers) {
-    const Case<int32_t> cases[] = {{0, 6, 6},
-                                   {10119, 6, INT32_MIN},
-                                   {10119, 0, INT32_MIN},
-                                   {10120, 6, 9},
-                                   {10120, 5, 5},
-                                   {10138, 6, 9},
-                                   {10139, 6, 7},
-                                   {10139, 5, 5},
-                                   {10145, 6, 7},
-                                   {10146, 100, 101},
-                                   {10147, 6, 6},
-                                   {10130, -3, -3},
-                                   {10100, 1, INT32_MIN},
-                                   // The highest identifiers wrap around as 32-bit values.
-                                   {10130, INT32_MAX, INT32_MIN + 2},
-                                   {10139, INT32_MAX, INT32_MIN}};
+    constexpr int32_t kMin = INT32_MIN, kMax = INT32_MAX;
+    const Case<int32_t> cases[] = {{0, 6, 6},        {10119, 6, kMin},        {10119, 0, kMin},   {10120, 6, 9},
+                                   {10120, 5, 5},    {10138, 6, 9},           {10139, 6, 7},      {10139, 5, 5},
+                                   {10145, 6, 7},    {10146, 100, 101},       {10147, 6, 6},      {10130, -3, -3},
+                                   {10100, 1, kMin}, {10130, kMax, kMin + 2}, {10139, kMax, kMin}};
     expectTranslations(compatAttributeId, cases);
 }
 

@@ -16,16 +16,14 @@ constexpr DeviceHandle kLibrary = RYN_LIBRARY_PSEUDO_HANDLE, kDevice = 0x1000000
 TEST(LibraryAttributes, ValuesTypesAndBufferLengthRules) {
     char text[16];
     uint32_t returned = 0, value = 0xFFFF;
-    EXPECT_EQ(RynDrvGetAttributeValueSz_16(kLibrary, 9, text, 9), 0u);
-    EXPECT_STREQ(text, "2.12.1.0");
-    EXPECT_EQ(RynDrvGetAttributeValue_20(kLibrary, 11, text, 13, &returned), 0u);
-    EXPECT_STREQ(text, "RynHwDll.dll");
-    EXPECT_EQ(returned, 13u);
+    EXPECT_EQ((std::tuple{RynDrvGetAttributeValueSz_16(kLibrary, 9, text, 9), std::string(text)}),
+              std::tuple(0u, "2.12.1.0"));
+    EXPECT_EQ((std::tuple{RynDrvGetAttributeValue_20(kLibrary, 11, text, 13, &returned), std::string(text), returned}),
+              std::tuple(0u, "RynHwDll.dll", 13u));
     uint8_t version[8] = {};
     EXPECT_EQ(RynDrvGetAttributeValue_20(kLibrary, 10, version, 8, &returned), 0u);
     EXPECT_EQ(std::memcmp(version, "\x02\x00\x0C\x00\x01\x00\x00\x00", 8), 0);
-    EXPECT_EQ(RynDrvGetAttributeValueUint32_12(kLibrary, 12, &value), 0u);
-    EXPECT_EQ(value, 0u);
+    EXPECT_EQ((std::pair{RynDrvGetAttributeValueUint32_12(kLibrary, 12, &value), value}), std::pair(0u, 0u));
 
     // Below 4 bytes is refused first, even for an unknown identifier; a
     // refused read reports 0 bytes and leaves the buffer alone. Failures
@@ -79,22 +77,15 @@ TEST_F(DriverAttributes, RepliesCopiedOutWhateverTheResult) {
     // write comes back unchanged.
     uint8_t buffer[100];
     std::memset(buffer, 0x33, sizeof buffer);
-    ScriptedReply reply;
-    reply.word(8, 0).word(12, 2).bytes.emplace_back(16, std::vector<uint8_t>{0xAB, 0xCD});
-    driver.script(reply);
+    driver.script(ScriptedReply{}.word(8, 0).word(12, 2).put(16, {0xAB, 0xCD}));
     uint32_t returned = 0;
     EXPECT_EQ(RynDrvGetAttributeValue_20(kDevice, 7, buffer, 100, &returned), 0u);
-    EXPECT_EQ(returned, 2u);
-    EXPECT_EQ(buffer[1], 0xCD);
-    EXPECT_EQ(buffer[2], 0x33);
-    EXPECT_EQ(buffer[99], 0x33);
+    EXPECT_EQ(std::tuple(returned, buffer[1], buffer[2], buffer[99]), std::tuple(2u, 0xCD, 0x33, 0x33));
 
     // The transport stores its code at offset 8; the buffer keeps its content.
     driver.script(ryn::test::failedCall(0));
     EXPECT_EQ(RynDrvGetAttributeValue_20(kDevice, 7, buffer, 100, &returned), 0xC300AD0Du);
-    EXPECT_EQ(returned, 0u);
-    EXPECT_EQ(buffer[0], 0xAB);
-    EXPECT_EQ(buffer[50], 0x33);
+    EXPECT_EQ(std::tuple(returned, buffer[0], buffer[50]), std::tuple(0u, 0xAB, 0x33));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <tuple>
 #include <vector>
 
@@ -38,9 +39,7 @@ TEST_F(DeviceCalls, RefusedChecksSendNothingAndWriteNothing) {
     // The pipe's data area holds 512 bytes.
     EXPECT_EQ(RynResultErrorCode(RynDrvConnectPipe_24(kPipe, 0, kPhysical, 0, data, -5)), 9u);
     EXPECT_EQ(RynResultErrorCode(RynDrvConnectPipe_24(kPipe, 0, kPhysical, 0, data, 513)), 9u);
-    EXPECT_EQ(driver.requestCount(), 0u);
-    EXPECT_EQ(out, 0xAAAAu);
-    EXPECT_EQ(state, 0xBBBBu);
+    EXPECT_EQ(std::tuple(driver.requestCount(), out, state), std::tuple(0u, 0xAAAAu, 0xBBBBu));
 }
 
 // Every handle here is of a kind the call accepts.
@@ -86,49 +85,41 @@ TEST_F(DeviceCalls, OutValuesByResult) {
     };
     // Enumeration replies carry the value at 8, the iterator at 12 and the result at 16.
     const ScriptedReply enumeration = reply(u32(-16), 5).word(16, 0xB5000101);
-    const std::tuple<ScriptedReply, ResultCode, uint32_t> expected[] = {
-        {reply(kPhysical, 0), 0, kPhysical},
-        {reply(kPhysical, 0xB5000105), 0xB5000105, 0xFFFFFFFF},
-        // The device-handle reply has its result at 4 and its own transport codes.
-        {ScriptedReply{}.word(4, 0).word(8, kLogical), 0, kLogical},
-        {ryn::test::failedCall(0), 0xC300BC0D, 0xFFFFFFFF},
-        {ryn::test::failedCall(12), 0xC300B90D, 0x1234},  // no out pointer
-        {reply(kLogical, 0), 0, kLogical},
-        {reply(kLogical, 0xB5000101), 0xB5000101, 0x1234},
-        {reply(kPipe, 0xB5000101), 0xB5000101, kPipe},
-        {reply(3, 0xB5000102), 0xB5000102, 3},
-        {enumeration, 0xB5000101, u32(-16)},
-        {enumeration, 0xB5000101, u32(-16)},
-    };
-    for (const auto &row : expected) driver.script(std::get<0>(row));
-    uint32_t out[std::size(expected)];
-    std::fill(std::begin(out), std::end(out), 0x1234);
     int32_t iterators[2] = {};
-    const ResultCode results[] = {
-        RynDrvOpenPhysicalDevice_24(1, 2, 3, 4, 5, &out[0]),
-        RynDrvOpenPhysicalDevice_24(1, 2, 3, 4, 5, &out[1]),
-        RynDrvGetDeviceHandle_16(kPhysical, -3, 77, &out[2]),
-        RynDrvGetDeviceHandle_16(kPhysical, -3, 77, &out[3]),
-        RynDrvGetDeviceHandle_16(kPhysical, -3, 77, nullptr),
-        RynDrvCreateLogicalDevice_20(kPhysical, -20, 3, 4, &out[5]),
-        RynDrvCreateLogicalDevice_20(kPhysical, -20, 3, 4, &out[6]),
-        RynDrvCreatePipe_8(9, &out[7]),
-        RynDrvGetState_8(kOther, &out[8]),
-        RynDrvEnumDevice_16(kPhysical, -2, &iterators[0], &out[9]),
-        RynDrvEnumDeviceType_12(kPhysical, &iterators[1], reinterpret_cast<int32_t *>(&out[10])),
+    const auto open = [](uint32_t *out) { return RynDrvOpenPhysicalDevice_24(1, 2, 3, 4, 5, out); };
+    const auto handle = [](uint32_t *out) { return RynDrvGetDeviceHandle_16(kPhysical, -3, 77, out); };
+    const auto create = [](uint32_t *out) { return RynDrvCreateLogicalDevice_20(kPhysical, -20, 3, 4, out); };
+    const std::tuple<ScriptedReply, std::function<ResultCode(uint32_t *)>, ResultCode, uint32_t> rows[] = {
+        {reply(kPhysical, 0), open, 0, kPhysical},
+        {reply(kPhysical, 0xB5000105), open, 0xB5000105, 0xFFFFFFFF},
+        // The device-handle reply has its result at 4 and its own transport codes.
+        {ScriptedReply{}.word(4, 0).word(8, kLogical), handle, 0, kLogical},
+        {ryn::test::failedCall(0), handle, 0xC300BC0D, 0xFFFFFFFF},
+        {ryn::test::failedCall(12), [&](uint32_t *) { return handle(nullptr); }, 0xC300B90D, 0x1234},  // no out pointer
+        {reply(kLogical, 0), create, 0, kLogical},
+        {reply(kLogical, 0xB5000101), create, 0xB5000101, 0x1234},
+        {reply(kPipe, 0xB5000101), [](uint32_t *out) { return RynDrvCreatePipe_8(9, out); }, 0xB5000101, kPipe},
+        {reply(3, 0xB5000102), [](uint32_t *out) { return RynDrvGetState_8(kOther, out); }, 0xB5000102, 3},
+        {enumeration, [&](uint32_t *out) { return RynDrvEnumDevice_16(kPhysical, -2, &iterators[0], out); }, 0xB5000101,
+         u32(-16)},
+        {enumeration,
+         [&](uint32_t *out) {
+             return RynDrvEnumDeviceType_12(kPhysical, &iterators[1], reinterpret_cast<int32_t *>(out));
+         },
+         0xB5000101, u32(-16)},
     };
-    for (size_t i = 0; i < std::size(expected); ++i) {
-        EXPECT_EQ(results[i], std::get<1>(expected[i])) << i;
-        EXPECT_EQ(out[i], std::get<2>(expected[i])) << i;
+    for (size_t row = 0; row < std::size(rows); ++row) {
+        const auto &[scripted, call, result, value] = rows[row];
+        uint32_t out = 0x1234;
+        driver.script(scripted);
+        EXPECT_EQ((std::pair{call(&out), out}), std::pair(result, value)) << "row " << row;
     }
-    EXPECT_EQ(iterators[0], 5);
-    EXPECT_EQ(iterators[1], 5);
+    EXPECT_EQ(std::pair(iterators[0], iterators[1]), std::pair(5, 5));
 
     int32_t iterator = -1;  // the end mark
-    EXPECT_EQ(RynDrvIsIteratorEnd_4(&iterator), 0);
-    EXPECT_EQ(RynDrvIteratorBegin_4(&iterator), 0u);
-    EXPECT_EQ(iterator, 0);
-    EXPECT_EQ(RynDrvIsIteratorEnd_4(&iterator), 1);
+    EXPECT_EQ((std::tuple{RynDrvIsIteratorEnd_4(&iterator), RynDrvIteratorBegin_4(&iterator), iterator,
+                          RynDrvIsIteratorEnd_4(&iterator)}),
+              std::tuple(0, 0u, 0, 1));
 }
 
 }  // namespace

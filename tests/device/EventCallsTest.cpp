@@ -67,40 +67,34 @@ TEST_F(DriverEventCalls, RepliesCopiedOutWhateverTheResult) {
     uint32_t count = 0, value = 0;
     DeviceHandle queue = 0;
     uint64_t time = 0;
-    EXPECT_EQ(RynDrvGetEventData_8(kLogical, &data), 0xB5000101u);
-    EXPECT_EQ(RynDrvGetEventDataEx_16(kLogical, &data, 1, &count), 0xB5000101u);
-    EXPECT_EQ(RynDrvCreateEventQueue_12(7, 8, &queue), 0xB5000102u);
-    EXPECT_EQ(RynDrvReadReg8_12(kDevice, 0x40, &value), 0xB5000102u);
+    EXPECT_EQ((std::tuple{RynDrvGetEventData_8(kLogical, &data), RynDrvGetEventDataEx_16(kLogical, &data, 1, &count),
+                          RynDrvCreateEventQueue_12(7, 8, &queue), RynDrvReadReg8_12(kDevice, 0x40, &value)}),
+              std::tuple(0xB5000101u, 0xB5000101u, 0xB5000102u, 0xB5000102u));
     // A register read copies a full word, even for an 8-bit register.
     EXPECT_EQ(std::tuple(data.word[0], data.word[7], count, queue, value),
               std::tuple(0x100u, 0x107u, 3u, 0x30000009u, 0x12345678u));
-    EXPECT_EQ(RynDrvGetCurrentTime_4(&time), 0u);
-    EXPECT_EQ(time, 116444736000000000ull);  // 1 January 1970, the low word first
+    // 1 January 1970, the low word first.
+    EXPECT_EQ((std::pair{RynDrvGetCurrentTime_4(&time), time}), std::pair(0u, uint64_t{116444736000000000}));
 }
 
 TEST_F(DriverEventCalls, EventTextBoundedCopyAndPollKinds) {
-    ScriptedReply reply, unterminated;
-    reply.bytes.emplace_back(8, std::vector<uint8_t>{'o', 'f', 'f', ' ', 'h', 'o', 'o', 'k', 0});
-    unterminated.bytes.emplace_back(8, std::vector<uint8_t>(256, 'z'));
-    driver.script(reply);
-    driver.script(unterminated);
+    driver.script(ScriptedReply{}.put(8, {'o', 'f', 'f', ' ', 'h', 'o', 'o', 'k', 0}));
+    driver.script(ScriptedReply{}.put(8, std::vector<uint8_t>(256, 'z')));
     driver.script(ryn::test::failedCall(0));
     char text[256];
-    EXPECT_EQ(RynDrvEventCode2String_16(kDevice, 1, 2, text), 0u);
-    EXPECT_STREQ(text, "off hook");
+    const auto read = [&text] { return std::pair{RynDrvEventCode2String_16(kDevice, 1, 2, text), std::string(text)}; };
+    EXPECT_EQ(read(), std::pair(0u, std::string("off hook")));
     // A reply text without terminator is cut to 255 characters and terminated.
     std::memset(text, 'X', sizeof text);
-    EXPECT_EQ(RynDrvEventCode2String_16(kDevice, 1, 2, text), 0u);
-    EXPECT_EQ(std::strlen(text), 255u);
-    EXPECT_EQ(RynDrvEventCode2String_16(kDevice, 1, 2, text), 0xC300AD0Du);
-    EXPECT_EQ(text[0], '\0');
+    EXPECT_EQ(read(), std::pair(0u, std::string(255, 'z')));
+    EXPECT_EQ(read(), std::pair(0xC300AD0Du, std::string()));
 
     // Polling takes driver objects only: kinds 0x1 to 0x6.
     driver.clear();
-    EXPECT_EQ(RynResultErrorCode(RynDrvPollEvents_4(0x0FFFFFFF)), 11u);
-    EXPECT_EQ(RynResultErrorCode(RynDrvPollEvents_4(0x70000000)), 11u);
-    EXPECT_EQ(driver.requestCount(), 0u);
-    EXPECT_EQ(RynDrvPollEvents_4(0x10000000), 0u);
+    EXPECT_EQ((std::tuple{RynResultErrorCode(RynDrvPollEvents_4(0x0FFFFFFF)),
+                          RynResultErrorCode(RynDrvPollEvents_4(0x70000000)), driver.requestCount(),
+                          RynDrvPollEvents_4(0x10000000)}),
+              std::tuple(11u, 11u, 0u, 0u));
 }
 
 }  // namespace

@@ -50,9 +50,7 @@ TEST_F(DspAccess, RefusedArgumentsSendNothing) {
 TEST_F(DspAccess, MessageAnswers) {
     // An answer of `length` bytes at 14 (a reply holds 1984 of 0x77), the result at 8.
     const auto answer = [](uint16_t length) {
-        ScriptedReply reply = ScriptedReply{}.word(8, 0xC).word(12, length);
-        reply.bytes.emplace_back(14, std::vector<uint8_t>(1984, 0x77));
-        return reply;
+        return ScriptedReply{}.word(8, 0xC).word(12, length).put(14, std::vector<uint8_t>(1984, 0x77));
     };
     // The reply, the output size; the result, the length reported and the bytes copied.
     const std::tuple<ScriptedReply, uint32_t, ResultCode, uint32_t, uint32_t> cases[] = {

@@ -67,15 +67,13 @@ TEST_F(UndecoratedRows, TranslateArgumentsAndOutValues) {
 
     // Device types coming back, and word 2 of the first event record, are renumbered the other way.
     driver.script(ScriptedReply{}.word(8, u32(-30)));
-    EXPECT_EQ(RynDrvEnumDeviceType(kDevice, &iterator, &type), 0u);
-    EXPECT_EQ(type, -32);
+    EXPECT_EQ((std::pair{RynDrvEnumDeviceType(kDevice, &iterator, &type), type}), std::pair(0u, -32));
     EventData records[2] = {};
     driver.script(ScriptedReply{}.word(16, u32(-16)));
-    EXPECT_EQ(RynDrvGetEventData(kDevice, records), 0u);
-    EXPECT_EQ(records[0].word[2], u32(-17));
+    EXPECT_EQ((std::pair{RynDrvGetEventData(kDevice, records), records[0].word[2]}), std::pair(0u, u32(-17)));
     records[0].word[2] = u32(-30);  // as the driver would have written it
-    EXPECT_EQ(RynDrvGetEventDataEx(kDevice, records, 2, &value), 0u);
-    EXPECT_EQ(records[0].word[2], u32(-32));
+    EXPECT_EQ((std::pair{RynDrvGetEventDataEx(kDevice, records, 2, &value), records[0].word[2]}),
+              std::pair(0u, u32(-32)));
 
     // Translated whatever the handle: the library pseudo-handle sees 10 as
     // 13, which it does not know, and the failure comes out reduced.

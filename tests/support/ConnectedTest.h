@@ -46,14 +46,13 @@ struct LayoutRow {
 // that request against the row.
 inline void expectLayouts(FakeDriver &driver, const std::vector<LayoutRow> &rows) {
     for (const LayoutRow &row : rows) {
-        driver.clear();
-        EXPECT_EQ(row.call(), 0u) << "function 0x" << std::hex << row.function;
-        ASSERT_EQ(driver.requestCount(), 1u) << "function 0x" << std::hex << row.function;
-        const RecordedRequest request = driver.lastRequest();
         SCOPED_TRACE(::testing::Message() << "function 0x" << std::hex << row.function);
-        EXPECT_EQ(request.function(), row.function);
-        EXPECT_EQ(request.input.size(), row.inputLength);
-        EXPECT_EQ(request.outputLength, row.outputLength);
+        driver.clear();
+        const ResultCode result = row.call();
+        const RecordedRequest request = driver.lastRequest();
+        EXPECT_EQ(
+            std::tuple(result, driver.requestCount(), request.function(), request.input.size(), request.outputLength),
+            std::tuple(0u, size_t{1}, row.function, size_t{row.inputLength}, row.outputLength));
         expectFields(request, row.fields);
     }
 }

@@ -6,12 +6,6 @@
 
 namespace ryn::test {
 
-ScriptedReply resultReply(ResultCode result) {
-    ScriptedReply reply;
-    reply.words.emplace_back(0xFFFFFFFFu, result);  // offset resolved against the reply length
-    return reply;
-}
-
 namespace {
 // Live fakes by device name (upper case), so that `open` finds its object.
 std::mutex fakesMutex;
@@ -41,13 +35,8 @@ FakeDriver::~FakeDriver() {
 
 void *FakeDriver::open(const char *deviceName) {
     std::lock_guard lock(fakesMutex);
-    for (const auto &[name, fake] : liveFakes()) {
-        if (name == upper(deviceName)) {
-            std::lock_guard own(fake->mutex_);
-            fake->open_ = true;
-            return fake;
-        }
-    }
+    for (const auto &[name, fake] : liveFakes())
+        if (name == upper(deviceName)) return fake->hold(), fake->open_ = true, fake;
     return nullptr;
 }
 
@@ -57,21 +46,18 @@ int FakeDriver::control(void *device, const RynDriverRequest *request, uint32_t 
 
 void FakeDriver::close(void *device) {
     auto *fake = static_cast<FakeDriver *>(device);
-    std::lock_guard own(fake->mutex_);
-    fake->open_ = false;
+    fake->hold(), fake->open_ = false;
 }
 
 int FakeDriver::answer(const RynDriverRequest &request, uint32_t *returned) {
     ScriptedReply reply;
     {
         std::lock_guard lock(mutex_);
-        RecordedRequest recorded;
-        recorded.code = request.code;
         const auto *in = static_cast<const uint8_t *>(request.input);
-        recorded.input.assign(in, in + request.inputLength);
-        recorded.outputLength = request.outputLength;
-        recorded.buffers.assign(request.buffers, request.buffers + request.bufferCount);
-        requests_.push_back(std::move(recorded));
+        requests_.push_back({request.code,
+                             {in, in + request.inputLength},
+                             request.outputLength,
+                             {request.buffers, request.buffers + request.bufferCount}});
         if (!script_.empty()) {
             reply = std::move(script_.front());
             script_.pop_front();
@@ -80,7 +66,7 @@ int FakeDriver::answer(const RynDriverRequest &request, uint32_t *returned) {
         }
     }
     auto *out = static_cast<uint8_t *>(request.output);
-    for (const auto &[offset, value] : reply.words) {
+    for (const auto &[offset, value] : reply.words) {  // 0xFFFFFFFF: the last field of the reply
         const uint32_t at = offset == 0xFFFFFFFFu ? request.outputLength - 4 : offset;
         if (at + 4 <= request.outputLength) std::memcpy(out + at, &value, 4);
     }
@@ -88,53 +74,8 @@ int FakeDriver::answer(const RynDriverRequest &request, uint32_t *returned) {
         if (offset + run.size() <= request.outputLength) std::memcpy(out + offset, run.data(), run.size());
     }
     *returned = reply.returned.value_or(request.outputLength);
-    std::function<void(const RynDriverRequest &)> hook;
-    {
-        std::lock_guard lock(mutex_);
-        hook = hook_;
-    }
-    if (hook) hook(request);
+    if (const auto hook = (hold(), hook_)) hook(request);
     return reply.ok;
-}
-
-void FakeDriver::script(ScriptedReply reply) {
-    std::lock_guard lock(mutex_);
-    script_.push_back(std::move(reply));
-}
-
-void FakeDriver::setHook(std::function<void(const RynDriverRequest &)> hook) {
-    std::lock_guard lock(mutex_);
-    hook_ = std::move(hook);
-}
-
-void FakeDriver::setDefaultResult(ResultCode resultAtEnd) {
-    std::lock_guard lock(mutex_);
-    defaultResult_ = resultAtEnd;
-}
-
-std::vector<RecordedRequest> FakeDriver::requests() const {
-    std::lock_guard lock(mutex_);
-    return requests_;
-}
-
-RecordedRequest FakeDriver::lastRequest() const {
-    std::lock_guard lock(mutex_);
-    return requests_.empty() ? RecordedRequest{} : requests_.back();
-}
-
-size_t FakeDriver::requestCount() const {
-    std::lock_guard lock(mutex_);
-    return requests_.size();
-}
-
-void FakeDriver::clear() {
-    std::lock_guard lock(mutex_);
-    requests_.clear();
-}
-
-bool FakeDriver::isOpen() const {
-    std::lock_guard lock(mutex_);
-    return open_;
 }
 
 }  // namespace ryn::test

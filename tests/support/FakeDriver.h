@@ -41,18 +41,17 @@ struct ScriptedReply {
         words.emplace_back(offset, value);
         return *this;
     }
+    ScriptedReply &put(uint32_t offset, std::vector<uint8_t> run) {
+        bytes.emplace_back(offset, std::move(run));
+        return *this;
+    }
 };
 
-// A reply with `result` as the last 32-bit field of the reply.
-ScriptedReply resultReply(ResultCode result);
+// A reply with `result` as the last 32-bit field of the reply (offset 0xFFFFFFFF).
+inline ScriptedReply resultReply(ResultCode result) { return ScriptedReply{}.word(0xFFFFFFFFu, result); }
 
 // A failed I/O control call that reports `returned` bytes.
-inline ScriptedReply failedCall(uint32_t returned) {
-    ScriptedReply reply;
-    reply.ok = 0;
-    reply.returned = returned;
-    return reply;
-}
+inline ScriptedReply failedCall(uint32_t returned) { return ScriptedReply{0, returned, {}, {}}; }
 
 class FakeDriver {
 public:
@@ -61,22 +60,24 @@ public:
     FakeDriver(const FakeDriver &) = delete;
     FakeDriver &operator=(const FakeDriver &) = delete;
 
+    // Each call below holds the lock through its one statement: `hold(), ...`.
     // Queues replies, taken in order by the next requests.
-    void script(ScriptedReply reply);
+    void script(ScriptedReply reply) { hold(), script_.push_back(std::move(reply)); }
     // The reply given when the script is empty: `resultAtEnd` as the last
     // 32-bit field of every reply.
-    void setDefaultResult(ResultCode resultAtEnd);
+    void setDefaultResult(ResultCode resultAtEnd) { hold(), defaultResult_ = resultAtEnd; }
     // Runs during every request, after the scripted reply is written: a
     // driver's look at the caller buffers that the request names.
-    void setHook(std::function<void(const RynDriverRequest &)> hook);
+    void setHook(std::function<void(const RynDriverRequest &)> hook) { hold(), hook_ = std::move(hook); }
 
-    std::vector<RecordedRequest> requests() const;
-    RecordedRequest lastRequest() const;
-    size_t requestCount() const;
-    void clear();
-    bool isOpen() const;
+    std::vector<RecordedRequest> requests() const { return hold(), requests_; }
+    RecordedRequest lastRequest() const { return hold(), requests_.empty() ? RecordedRequest{} : requests_.back(); }
+    size_t requestCount() const { return hold(), requests_.size(); }
+    void clear() { hold(), requests_.clear(); }
+    bool isOpen() const { return hold(), open_; }
 
 private:
+    std::unique_lock<std::mutex> hold() const { return std::unique_lock(mutex_); }
     static void *open(const char *deviceName);
     static int control(void *device, const RynDriverRequest *request, uint32_t *returned);
     static void close(void *device);

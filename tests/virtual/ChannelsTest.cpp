@@ -21,11 +21,6 @@ protected:
         EXPECT_EQ(RynHdlcReceiverInit(channel, 1, 2, 3, 4, 5, 6, 7), 0u);
         return channel;
     }
-    static uint32_t attribute(DeviceHandle handle, int32_t id) {
-        uint32_t value = 0xFFFFFFFFu;
-        EXPECT_EQ(RynDrvGetAttributeValueUint32(handle, id, &value), 0u) << "attribute " << id;
-        return value;
-    }
 };
 
 TEST_F(ChannelsTest, HdlcFramesRoundTripWithEvents) {
@@ -35,42 +30,34 @@ TEST_F(ChannelsTest, HdlcFramesRoundTripWithEvents) {
     for (const std::string &frame : frames)
         ASSERT_EQ(RynHdlcSendData(channel, frame.data(), static_cast<uint32_t>(frame.size()), 0, 0), 0u);
     for (const std::string &frame : frames) {
-        EventData record{};
-        ASSERT_TRUE(listener.nextWithCode(kFrameSent, record));
-        EXPECT_EQ(record.word[5], frame.size());
-        ASSERT_TRUE(listener.nextWithCode(kFrameReceived, record));
-        EXPECT_EQ(record.word[5], frame.size());
-        EXPECT_EQ(record.word[4], channel);
+        EXPECT_EQ(listener.nextWith(kFrameSent).word[5], frame.size());
+        const EventData received = listener.nextWith(kFrameReceived);
+        EXPECT_EQ(std::pair(received.word[5], received.word[4]), std::pair(uint32_t(frame.size()), channel));
     }
     for (uint32_t i = 0; i < 3; ++i) {
         char buffer[512];
         uint32_t length = 0, queued = 0, dropped = 99;
         uint64_t time = 0;
         ASSERT_EQ(RynHdlcReadData(channel, buffer, sizeof buffer, &length, &queued, &dropped, &time), 0u);
-        EXPECT_EQ(std::string(buffer, length), frames[i]);
-        EXPECT_EQ(queued * 10 + dropped, (2 - i) * 10);
-        EXPECT_NE(time, 0u);
+        EXPECT_EQ(std::tuple(std::string(buffer, length), queued, dropped, time != 0),
+                  std::tuple(frames[i], 2 - i, 0u, true));
     }
 
     // SS7: the 3-byte field of the frame read comes back in the receive status.
     const uint8_t header[3] = {0x12, 0x34, 0x56};
     ASSERT_EQ(RynHdlcSS7SendData(channel, "msu", 3, header, 0, 0), 0u);
     char buffer[8];
-    uint32_t length = 0, queued = 9, received = 0, dropped = 9, filter = 0;
+    uint32_t length = 0, queued = 9, received = 0, dropped = 9;
     ASSERT_EQ(RynHdlcReadData(channel, buffer, sizeof buffer, &length, nullptr, nullptr, nullptr), 0u);
     uint8_t status[3] = {};
     ASSERT_EQ(RynHdlcSS7GetReceiveStatus(channel, &queued, &received, &dropped, status), 0u);
-    EXPECT_EQ(std::memcmp(status, header, 3), 0);
-    EXPECT_EQ(received, 4u);
-    EXPECT_EQ(queued + dropped, 0u);
+    EXPECT_EQ(std::tuple(std::memcmp(status, header, 3), received, queued + dropped), std::tuple(0, 4u, 0u));
     EXPECT_EQ(RynHdlcSS7SetFilter(channel, 0x55), 0u);
-    EXPECT_EQ(RynHdlcSS7GetFilter(channel, &filter), 0u);
-    EXPECT_EQ(filter, 0x55u);
+    EXPECT_EQ(got(RynHdlcSS7GetFilter, channel), 0x55u);
 
     // A repeated block is looped back once per start; ReadDataEx peeks at it.
     ASSERT_EQ(RynHdlcStartRepeatData(channel, "rep", 3, 0, 0), 0u);
-    EXPECT_EQ(RynHdlcReadDataEx(channel, 0, 0, 0, 0, &length), 0u);
-    EXPECT_EQ(length, 3u);
+    EXPECT_EQ(got(RynHdlcReadDataEx, channel, 0, 0, 0, 0), 3u);
     EXPECT_EQ(attribute(channel, 100), 1u);
     EXPECT_EQ(RynHdlcStopRepeatData(channel), 0u);
     EXPECT_EQ(errorOf(RynHdlcStopRepeatData(channel)), 13u);
@@ -81,15 +68,11 @@ TEST_F(ChannelsTest, HdlcRefusesCallsOutOfOrderAndReportsAnEmptyReceiver) {
     char buffer[16];
     uint32_t length = 7;
     const ResultCode early = RynHdlcSendData(channel, "x", 1, 0, 0);
-    EXPECT_TRUE(failed(early));
-    EXPECT_EQ(errorOf(early), 13u);
-    EXPECT_EQ(sourceOf(early), kBoardSource);
+    EXPECT_TRUE(failed(early) && errorOf(early) == 13 && sourceOf(early) == kBoardSource) << std::hex << early;
     EXPECT_EQ(errorOf(RynHdlcReadData(channel, buffer, sizeof buffer, &length, nullptr, nullptr, nullptr)), 13u);
 
     ASSERT_EQ(RynHdlcReceiverInit(channel, 0, 0, 0, 0, 0, 0, 0), 0u);
-    const ResultCode empty = RynHdlcReadData(channel, buffer, sizeof buffer, &length, nullptr, nullptr, nullptr);
-    EXPECT_FALSE(failed(empty));
-    EXPECT_EQ(errorOf(empty), 1u);
+    EXPECT_TRUE(isEmpty(RynHdlcReadData(channel, buffer, sizeof buffer, &length, nullptr, nullptr, nullptr)));
     EXPECT_EQ(length, 0u);
     EXPECT_EQ(errorOf(RynHdlcSendData(channel, "x", 1, 0, 0)), 13u);  // the sender is still not set up
 
@@ -104,23 +87,19 @@ TEST_F(ChannelsTest, HdlcRefusesCallsOutOfOrderAndReportsAnEmptyReceiver) {
 TEST_F(ChannelsTest, HdlcQueueDropsTheOldestAndOversizedFramesAreRefused) {
     const DeviceHandle channel = hdlc();
     for (uint32_t i = 0; i < 70; ++i) ASSERT_EQ(RynHdlcSendData(channel, &i, 4, 0, 0), 0u);
-    EXPECT_EQ(attribute(channel, 100), 64u);
-    EXPECT_EQ(attribute(channel, 101), 6u);
+    EXPECT_EQ(std::pair(attribute(channel, 100), attribute(channel, 101)), std::pair(64u, 6u));  // queued, dropped
     uint32_t value = 0, length = 0, queued = 0, dropped = 0;
     ASSERT_EQ(RynHdlcReadData(channel, &value, 4, &length, &queued, &dropped, nullptr), 0u);
-    EXPECT_EQ(value, 6u);  // frames 0 to 5 were dropped
-    EXPECT_EQ(queued * 100 + dropped, 6306u);
+    EXPECT_EQ(std::tuple(value, queued, dropped), std::tuple(6u, 63u, 6u));  // frames 0 to 5 were dropped
 
     // A frame larger than the buffer is refused and kept, its size reported.
     const DeviceHandle other = hdlc(1);
     char frame[100] = "large", small[10];
     ASSERT_EQ(RynHdlcSendData(other, frame, sizeof frame, 0, 0), 0u);
     const ResultCode code = RynHdlcReadData(other, small, sizeof small, &length, nullptr, nullptr, nullptr);
-    EXPECT_TRUE(failed(code));
-    EXPECT_EQ(errorOf(code), 9u);
-    EXPECT_EQ(length, 100u);
-    EXPECT_EQ(RynHdlcReadData(other, frame, sizeof frame, &length, nullptr, nullptr, nullptr), 0u);
-    EXPECT_EQ(length, 100u);
+    EXPECT_EQ(std::pair(code & 0x800000FF, length), std::pair(0x80000009, 100u));
+    EXPECT_EQ((std::pair{RynHdlcReadData(other, frame, sizeof frame, &length, nullptr, nullptr, nullptr), length}),
+              std::pair(0u, 100u));
 
     // Too long for the library, empty for the board, too long to repeat.
     std::vector<char> huge(8192);
@@ -142,9 +121,7 @@ TEST_F(ChannelsTest, RawDataLoopsTheByteStreamBack) {
     EventListener listener(channel);
     ASSERT_EQ(RynRawDataSendData(channel, "hello ", 6, 0, 0), 0u);
     ASSERT_EQ(RynRawDataSendData(channel, "world", 5, 0, 0), 0u);
-    EventData record{};
-    ASSERT_TRUE(listener.nextWithCode(kRawDataReceived, record));
-    EXPECT_EQ(record.word[5], 6u);
+    EXPECT_EQ(listener.nextWith(kRawDataReceived).word[5], 6u);
 
     char buffer[8];
     uint32_t length = 0, waiting = 0;
@@ -153,9 +130,7 @@ TEST_F(ChannelsTest, RawDataLoopsTheByteStreamBack) {
     EXPECT_EQ(waiting, 3u);
     ASSERT_EQ(RynRawDataReadData(channel, buffer, sizeof buffer, &length, &waiting), 0u);
     EXPECT_EQ(std::string(buffer, length), "rld");
-    const ResultCode empty = RynRawDataReadData(channel, buffer, sizeof buffer, &length, &waiting);
-    EXPECT_FALSE(failed(empty));
-    EXPECT_EQ(errorOf(empty), 1u);
+    EXPECT_TRUE(isEmpty(RynRawDataReadData(channel, buffer, sizeof buffer, &length, &waiting)));
     std::vector<char> huge(8192);
     EXPECT_EQ(errorOf(RynRawDataSendData(channel, huge.data(), 8192, 0, 0)), 9u);
 }
@@ -167,10 +142,7 @@ TEST_F(ChannelsTest, BurstBlocksComeBackWithTheirValues) {
     std::iota(block.begin(), block.end(), uint8_t{0});
     uint32_t length = 1000;
     ASSERT_EQ(RynBurstSendData(channel, 42, block.data(), &length), 0u);
-    EXPECT_EQ(length, 1000u);
-    EventData record{};
-    ASSERT_TRUE(listener.nextWithCode(kBurstDone, record));
-    EXPECT_EQ(record.word[5], 1000u);
+    EXPECT_EQ(std::pair(length, listener.nextWith(kBurstDone).word[5]), std::pair(1000u, 1000u));
 
     uint64_t time = 0, param1 = 0;
     uint32_t capacity = 999;  // too small: refused, the block kept
@@ -179,24 +151,19 @@ TEST_F(ChannelsTest, BurstBlocksComeBackWithTheirValues) {
     ASSERT_EQ(RynBurstReadDataEx(channel, 0, back.data(), &capacity, &time, &param1), 0u);
     ASSERT_EQ(capacity, 1000u);
     EXPECT_TRUE(std::equal(block.begin(), block.end(), back.begin()));
-    EXPECT_EQ(param1, 42u);
-    EXPECT_NE(time, 0u);
-    const ResultCode empty = RynBurstReadData(channel, 0, back.data(), &capacity);
-    EXPECT_FALSE(failed(empty));
-    EXPECT_EQ(errorOf(empty), 1u);
+    EXPECT_EQ(std::pair(param1, time != 0), std::pair(uint64_t{42}, true));
+    EXPECT_TRUE(isEmpty(RynBurstReadData(channel, 0, back.data(), &capacity)));
 
     // Over the board's 4096-byte limit: refused. A send of 0 bytes sends the preload.
     std::vector<uint8_t> huge(4097);
     length = 4097;
     const ResultCode code = RynBurstSendData(channel, 0, huge.data(), &length);
-    EXPECT_EQ(errorOf(code), 9u);
-    EXPECT_EQ(sourceOf(code), kBoardSource);
+    EXPECT_EQ(std::pair(errorOf(code), sourceOf(code)), std::pair(9u, kBoardSource));
     length = 3;
     ASSERT_EQ(RynBurstInitSendBuffer(channel, 0, "pre", &length), 0u);
     length = 0;
     ASSERT_EQ(RynBurstSendData(channel, 7, "", &length), 0u);
-    EXPECT_EQ(length, 3u);
-    EXPECT_EQ(attribute(channel, 100), 3u);
+    EXPECT_EQ(std::pair(length, attribute(channel, 100)), std::pair(3u, 3u));
 }
 
 }  // namespace

@@ -13,11 +13,6 @@ using Values = std::vector<uint32_t>;
 enum : int32_t { kDspType = 32, kModule = 33, kEntry = 34, kProgramState = 35, kUnitsLoaded = 36 };
 enum : uint32_t { kNoProgram = 0, kRunning = 2, kHalted = 3, kNoModule = 0xFFFFFFFF, kProgramStarted = 0x0400 };
 
-uint32_t attribute(DeviceHandle dsp, int32_t id) {
-    uint32_t value = 0xDEADBEEF;
-    EXPECT_EQ(RynDrvGetAttributeValueUint32(dsp, id, &value), 0u) << "attribute " << id;
-    return value;
-}
 // What the board reports of a DSP's program: module, entry address, state.
 Values program(DeviceHandle dsp) {
     return {attribute(dsp, kModule), attribute(dsp, kEntry), attribute(dsp, kProgramState)};
@@ -50,9 +45,7 @@ TEST_F(VirtualBoardTest, BuiltInModulesRunOnTheDspOfTheirType) {
         EXPECT_EQ(attribute(dsp, kDspType), c[2]);
         ASSERT_EQ(RynDspRunSpm(dsp, c[1]), 0u) << "module " << c[1];
         EXPECT_EQ(program(dsp), (Values{c[1], c[3], kRunning}));
-        EventData record{};
-        ASSERT_TRUE(listener.nextWithCode(kProgramStarted, record));
-        EXPECT_EQ((Values{record.word[5], record.word[6]}), (Values{c[1], c[3]}));
+        EXPECT_EQ(listener.drain(kProgramStarted), (std::vector{std::pair(c[1], c[3])}));
     }
     // The DSP type answered decides which modules exist; a refused module leaves module 5 running.
     EXPECT_EQ(errorOf(RynDspRunSpm(device(kDsp, 1), 2)) << 8 | errorOf(RynDspRunSpm(device(kDsp), 5)), 17u << 8 | 17u);
@@ -117,9 +110,9 @@ TEST_F(VirtualBoardTest, RunningProgramAnswersMessagesHostPortAndRestart) {
     EXPECT_EQ(errorOf(RynDspIoControl(dsp, 7, nullptr, 0, out, 8, &length, 0, 0)), 6u);
 
     // The host port writes DSP memory and reads it into its register window.
-    uint32_t window = 0;
-    EXPECT_EQ(RynDspWriteHpi(dsp, 1, 0x500, 0xABCD) | RynDspReadHpi(dsp, 1, 0x4FF, 2), 0u);
-    EXPECT_EQ(RynDrvReadReg16(dsp, 0x1002, &window) | window, 0xABCDu);
+    EXPECT_EQ(RynDspWriteHpi(dsp, 1, 0x500, 0xABCD), 0u);
+    EXPECT_EQ(RynDspReadHpi(dsp, 1, 0x4FF, 2), 0u);
+    EXPECT_EQ(got(RynDrvReadReg16, dsp, 0x1002), 0xABCDu);
     EXPECT_EQ(errorOf(RynDspWriteHpi(dsp, 1, 0x500, 0x10000)), 9u);
     // Disabling halts the program; restart runs it again.
     RynDrvDisable(dsp, 0, 0);

@@ -1,7 +1,8 @@
 // The line interfaces of the virtual board: two T1/E1 spans joined by a
 // cable, the POTS and SLIC lines, the board controls and the JTAG chain.
-#include <cstring>
+#include <algorithm>
 #include <string>
+#include <tuple>
 
 #include "virtual/VirtualBoard.h"
 
@@ -10,29 +11,20 @@ namespace {
 
 enum : uint32_t { kLayer1 = 0x100, kAlarm = 0x101, kSignalling = 0x102, kHook = 0x200, kRingOn = 0x201, kRingOff };
 
-uint32_t layer1(DeviceHandle span) {
-    uint32_t status = 0xFFFFFFFF;
-    EXPECT_EQ(RynT1E1GetLayer1Status(span, &status), 0u);
-    return status;
-}
+uint32_t layer1(DeviceHandle span) { return got(RynT1E1GetLayer1Status, span); }
 
 TEST_F(VirtualBoardTest, SpanSettingsAreKeptPerSpan) {
     const DeviceHandle span0 = device(kT1E1, 0), span1 = device(kT1E1, 1);
-    T1Configuration t1{}, t1Back{};
-    E1Configuration e1{}, e1Back{};
+    T1Configuration t1{};
+    E1Configuration e1{};
     for (uint8_t i = 0; i < sizeof t1.bytes; ++i) t1.bytes[i] = uint8_t(i * 7 + 1);
     e1.bytes[55] = 0x5E;
-    EXPECT_EQ(RynT1SetConfiguration(span0, &t1), 0u);
-    EXPECT_EQ(RynE1SetConfiguration(span1, &e1), 0u);
-    EXPECT_EQ(RynT1GetConfiguration(span0, &t1Back), 0u);
-    EXPECT_EQ(std::memcmp(&t1, &t1Back, sizeof t1), 0);
-    EXPECT_EQ(RynT1GetConfiguration(span1, &t1Back), 0u);
-    EXPECT_EQ(t1Back.bytes[0], 0u);
-    EXPECT_EQ(RynE1GetConfiguration(span1, &e1Back), 0u);
-    EXPECT_EQ(e1Back.bytes[55], 0x5E);
+    EXPECT_EQ(RynT1SetConfiguration(span0, &t1) | RynE1SetConfiguration(span1, &e1), 0u);
+    EXPECT_TRUE(std::ranges::equal(got<T1Configuration>(RynT1GetConfiguration, span0).bytes, t1.bytes));
+    EXPECT_EQ(got<T1Configuration>(RynT1GetConfiguration, span1).bytes[0], 0u);
+    EXPECT_EQ(got<E1Configuration>(RynE1GetConfiguration, span1).bytes[55], 0x5E);
     EXPECT_EQ(RynT1E1SetLineTermination(span0, 2) | RynT1E1SetMonitorMode(span0, 1), 0u);
-    Layer1StatusEx ex{};
-    EXPECT_EQ(RynT1E1GetLayer1StatusEx(span0, &ex), 0u);
+    const Layer1StatusEx ex = got<Layer1StatusEx>(RynT1E1GetLayer1StatusEx, span0);
     EXPECT_EQ(ex.bytes[18] * 10 + ex.bytes[19], 21);
     uint8_t bits = 0;
     EXPECT_EQ(errorOf(RynT1E1SetLiMode(span0, 2)), 9u);
@@ -44,27 +36,19 @@ TEST_F(VirtualBoardTest, SignallingCrossesTheCableAndLoopsBack) {
     const DeviceHandle span0 = device(kT1E1, 0), span1 = device(kT1E1, 1);
     EventListener listener(span1);
     EXPECT_EQ(RynT1SetChannelizedRobBitData(span0, 5, 0xA), 0u);
-    EventData record{};
-    ASSERT_TRUE(listener.nextWithCode(kSignalling, record));
+    const EventData record = listener.nextWith(kSignalling);
     EXPECT_EQ(record.word[5] * 0x100 + record.word[6] * 0x10 + record.word[7], 0x5A0u);
-    uint8_t bits = 0xFF;
-    RobBitData all{};
-    EXPECT_EQ(RynT1GetRobBitData(span1, &all), 0u);
-    EXPECT_EQ(all.bytes[2], 0xA0);  // slot 5: the high nibble of byte 2
-    EXPECT_EQ(RynT1GetChannelizedRobBitData(span0, 5, &bits), 0u);
-    EXPECT_EQ(bits, 0u);  // span 0 hears span 1
+    EXPECT_EQ(got<RobBitData>(RynT1GetRobBitData, span1).bytes[2], 0xA0);  // slot 5: the high nibble of byte 2
+    EXPECT_EQ(got<uint8_t>(RynT1GetChannelizedRobBitData, span0, 5), 0u);  // span 0 hears span 1
     EXPECT_EQ(RynT1E1SetLineLoop(span0, 1), 0u);
-    EXPECT_EQ(RynT1GetChannelizedRobBitData(span0, 5, &bits), 0u);
-    EXPECT_EQ(bits, 0xAu);
+    EXPECT_EQ(got<uint8_t>(RynT1GetChannelizedRobBitData, span0, 5), 0xAu);
 
     // E1: both spans in E1 mode; slot 16 carries no channel; Sa bits travel too.
     EXPECT_EQ(RynT1E1SetLineLoop(span0, 0) | RynT1E1SetLiMode(span0, 1) | RynT1E1SetLiMode(span1, 1), 0u);
     EXPECT_EQ(errorOf(RynE1SetChannelizedABCDBit(span1, 16, 1)), 9u);
     EXPECT_EQ(RynE1SetChannelizedABCDBit(span1, 31, 0x3) | RynE1SetSaBit(span1, 4, 0x5A), 0u);
-    EXPECT_EQ(RynE1GetChannelizedABCDBit(span0, 31, &bits), 0u);
-    EXPECT_EQ(bits, 0x3u);
-    EXPECT_EQ(RynE1GetSaBit(span0, 4, &bits), 0u);
-    EXPECT_EQ(bits, 0x5Au);
+    EXPECT_EQ(got<uint8_t>(RynE1GetChannelizedABCDBit, span0, 31), 0x3u);
+    EXPECT_EQ(got<uint8_t>(RynE1GetSaBit, span0, 4), 0x5Au);
 }
 
 TEST_F(VirtualBoardTest, Layer1StatusFollowsLoopsAlarmsAndTransmitters) {
@@ -89,74 +73,60 @@ TEST_F(VirtualBoardTest, Layer1StatusFollowsLoopsAlarmsAndTransmitters) {
         EXPECT_EQ(step.call(span[step.side], step.value), 0u);
         EXPECT_EQ(layer1(span[0]) * 0x100 + layer1(span[1]), step.status0 * 0x100 + step.status1);
     }
-    EventData record{};
-    ASSERT_TRUE(listener.nextWithCode(kAlarm, record));
-    EXPECT_EQ(record.word[5] * 0x100 + record.word[6], 0x0401u);
-    ASSERT_TRUE(listener.nextWithCode(kLayer1, record));
-    EXPECT_EQ(record.word[5], 0x11u);
+    const EventData alarm = listener.nextWith(kAlarm);
+    EXPECT_EQ(alarm.word[5] * 0x100 + alarm.word[6], 0x0401u);
+    EXPECT_EQ(listener.nextWith(kLayer1).word[5], 0x11u);
 }
 
 TEST_F(VirtualBoardTest, PotsLineHookRingingAndDialling) {
     const DeviceHandle pots = device(kPots);
     EventListener listener(pots);
-    EventData record{};
-    EXPECT_EQ(errorOf(RynPotsPulseDial(pots, 0, 0, 0, reinterpret_cast<const uint8_t *>("1"), 1, 0, 0)), 13u);
+    const auto dial = [pots](const std::string &digits) {
+        const auto *bytes = reinterpret_cast<const uint8_t *>(digits.data());
+        return RynPotsPulseDial(pots, 0, 0, 0, bytes, static_cast<uint32_t>(digits.size()), 0, 0);
+    };
+    EXPECT_EQ(errorOf(dial("1")), 13u);
     EXPECT_EQ(RynDrvSetAttributeValueBool(pots, 40, 1), 0u);  // the exchange rings
-    ASSERT_TRUE(listener.nextWithCode(kRingOn, record));
+    EXPECT_EQ(listener.nextWith(kRingOn).word[5], 0u);
     EXPECT_EQ(RynPotsOffHook(pots), 0u);
-    ASSERT_TRUE(listener.nextWithCode(kHook, record));
-    EXPECT_EQ(record.word[5], 1u);
-    ASSERT_TRUE(listener.nextWithCode(kRingOff, record));
-    EXPECT_EQ(record.word[5], 1u);  // answered
+    EXPECT_EQ(listener.nextWith(kHook).word[5], 1u);
+    EXPECT_EQ(listener.nextWith(kRingOff).word[5], 1u);  // answered
     EXPECT_EQ(errorOf(RynDrvSetAttributeValueBool(pots, 40, 1)), 13u);
-    EXPECT_EQ(RynPotsPulseDial(pots, 0, 0, 0, reinterpret_cast<const uint8_t *>("0123"), 4, 0, 0), 0u);
-    EXPECT_EQ(errorOf(RynPotsPulseDial(pots, 0, 0, 0, reinterpret_cast<const uint8_t *>("9#"), 2, 0, 0)), 5u);
-    char dialled[16] = {};
-    EXPECT_EQ(RynDrvGetAttributeValueSz(pots, 42, dialled, sizeof dialled), 0u);
-    EXPECT_STREQ(dialled, "0123");
+    EXPECT_EQ((std::tuple{dial("0123"), errorOf(dial("9#"))}), std::tuple(0u, 5u));
+    EXPECT_EQ(text(pots, 42), "0123");  // the digits dialled
     EXPECT_EQ(RynPotsOnHook(pots), 0u);
-    ASSERT_TRUE(listener.nextWithCode(kHook, record));
-    EXPECT_EQ(record.word[5], 0u);
-    uint32_t mode = 0;
+    EXPECT_EQ(listener.nextWith(kHook).word[5], 0u);
     EXPECT_EQ(errorOf(RynPotsSetLiMode(pots, 3)), 9u);
-    EXPECT_EQ(RynPotsSetLiMode(pots, 2) | RynPotsGetLiMode(pots, &mode), 0u);
-    EXPECT_EQ(mode, 2u);
+    EXPECT_EQ(RynPotsSetLiMode(pots, 2), 0u);
+    EXPECT_EQ(got(RynPotsGetLiMode, pots), 2u);
 }
 
 TEST_F(VirtualBoardTest, SlicRingsUntilTheSimulatedHandsetIsLifted) {
     const DeviceHandle slic = device(kSlic);
     EventListener listener(slic);
-    EventData record{};
     uint32_t state = 0;
-    EXPECT_EQ(RynSlicStartRingState(slic, &state), 0u);
-    EXPECT_EQ(state, 2u);  // ringing
-    ASSERT_TRUE(listener.nextWithCode(kRingOn, record));
+    EXPECT_EQ(got(RynSlicStartRingState, slic), 2u);  // ringing
+    EXPECT_EQ(listener.nextWith(kRingOn).word[3], kRingOn);
     EXPECT_EQ(RynDrvSetAttributeValueBool(slic, 40, 1), 0u);
-    ASSERT_TRUE(listener.nextWithCode(kHook, record));
-    ASSERT_TRUE(listener.nextWithCode(kRingOff, record));
-    EXPECT_EQ(record.word[5], 1u);  // answered
-    EXPECT_EQ(RynSlicGetHookState(slic, &state), 0u);
-    EXPECT_EQ(state, 1u);
+    EXPECT_EQ(listener.nextWith(kHook).word[3], kHook);
+    EXPECT_EQ(listener.nextWith(kRingOff).word[5], 1u);  // answered
+    EXPECT_EQ(got(RynSlicGetHookState, slic), 1u);
     EXPECT_EQ(errorOf(RynSlicStartRingState(slic, &state)), 13u);
     EXPECT_EQ(RynSlicEnableBusyTone(slic), 0u);
-    EXPECT_EQ(RynDrvGetAttributeValueUint32(slic, 41, &state), 0u);
-    EXPECT_EQ(state, 2u);
+    EXPECT_EQ(attribute(slic, 41), 2u);
     EXPECT_EQ(errorOf(RynSlicSetPhoneNumber(slic, "555123456x", &state)), 5u);
     EXPECT_EQ(RynSlicSetUserName(slic, "Ann", &state) | RynSlicSetPhoneNumber(slic, "5551234567", &state), 0u);
     EXPECT_EQ(RynSlicSendCallerID(slic, &state), 0u);
-    char message[40] = {};
-    EXPECT_EQ(RynDrvGetAttributeValueSz(slic, 42, message, sizeof message), 0u);
-    EXPECT_EQ(std::string(message).substr(8), " 5551234567 Ann");
+    EXPECT_EQ(text(slic, 42).substr(8), " 5551234567 Ann");  // after the stamp
 }
 
 TEST_F(VirtualBoardTest, BoardControlsAndTheJtagChain) {
     const DeviceHandle board = device(kBoard), jtag = device(kJtag);
     EXPECT_EQ(RynBrdSetClocks(board, 2, 1) | RynBrdCodecSetLaw(board, 1) | RynBrdTssConstByte(board, 7, 31, 0xD5), 0u);
     EXPECT_EQ(errorOf(RynBrdTssConstByte(board, 8, 0, 0)), 9u);
-    uint32_t value = 0, length = 0;
+    uint32_t length = 0;
     uint8_t constants[8] = {};
-    EXPECT_EQ(RynDrvGetAttributeValueUint32(board, 40, &value), 0u);
-    EXPECT_EQ(value, 2u);
+    EXPECT_EQ(attribute(board, 40), 2u);
     EXPECT_EQ(RynDrvGetAttributeValue(board, 43, constants, sizeof constants, &length), 0u);
     EXPECT_EQ(length * 0x1000000 + constants[0] * 0x10000 + constants[1] * 0x100 + constants[2], 0x04071FD5u);
 
@@ -166,10 +136,8 @@ TEST_F(VirtualBoardTest, BoardControlsAndTheJtagChain) {
     uint32_t idcode = 0;
     for (int bit = 31; bit >= 0; --bit) idcode = idcode << 1 | (out[bit] == '1');
     EXPECT_EQ(idcode, 0x1D00A0F1u);
-    EXPECT_EQ(RynJtagScanIr(jtag, 0, "1111", out), 0u);  // BYPASS
-    EXPECT_STREQ(out, "1000");
-    EXPECT_EQ(RynJtagScanDr(jtag, 0, "110", out), 0u);
-    EXPECT_STREQ(out, "011");
+    EXPECT_EQ((std::tuple{RynJtagScanIr(jtag, 0, "1111", out), std::string(out)}), std::tuple(0u, "1000"));  // BYPASS
+    EXPECT_EQ((std::tuple{RynJtagScanDr(jtag, 0, "110", out), std::string(out)}), std::tuple(0u, "011"));
     EXPECT_EQ(errorOf(RynJtagScanDr(jtag, 0, "012", out)), 5u);
     EXPECT_EQ(RynJtagControl(jtag, 2), 0u);
     EXPECT_EQ(errorOf(RynJtagScanIr(jtag, 0, "0100", out)), 13u);

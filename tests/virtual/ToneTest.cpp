@@ -47,15 +47,6 @@ Samples render(DeviceHandle block, size_t count) {
     return samples;
 }
 
-// Word 5 of the queued records with `code`, as characters.
-std::string reported(EventListener &listener, uint32_t code) {
-    std::string found;
-    EventData record{};
-    while (listener.next(record, 0))
-        if (record.word[3] == code) found += static_cast<char>(record.word[5]);
-    return found;
-}
-
 class ToneTest : public VirtualBoardTest {};
 
 TEST_F(ToneTest, DiallersReachTheirDetectorsDigitByDigit) {
@@ -67,24 +58,19 @@ TEST_F(ToneTest, DiallersReachTheirDetectorsDigitByDigit) {
     for (const Case &c :
          {Case{kDtmfDialler, kDtmf, kDigitEvent, "1234#"}, Case{kMfDialler, kMf, kMfEvent, "*1234567890#"}}) {
         const DeviceHandle dialler = block(c.dialler), detector = block(c.detector);
-        DeviceHandle pipe = 0;  // the MF dialler reaches its detector through a pipe
-        if (c.dialler == kMfDialler) {
-            ASSERT_EQ(RynDrvCreatePipe(0, &pipe), 0u);
-        }
-        ASSERT_EQ(RynDrvConnectLogicalDevice(dialler, 0, pipe != 0 ? pipe : detector, 0), 0u);
-        if (pipe != 0) {
-            ASSERT_EQ(RynDrvConnectLogicalDevice(pipe, 0, detector, 0), 0u);
-        }
+        // The MF dialler reaches its detector through a pipe.
+        const DeviceHandle pipe = c.dialler == kMfDialler ? got(RynDrvCreatePipe, 0) : detector;
+        ASSERT_EQ(RynDrvConnectLogicalDevice(dialler, 0, pipe, 0), 0u);
+        ASSERT_EQ(pipe == detector ? 0u : RynDrvConnectLogicalDevice(pipe, 0, detector, 0), 0u);
         EventListener heard(detector), done(dialler);
         const auto dial = c.dialler == kDtmfDialler ? RynToneDtmfDial : RynToneMfDial;
         ASSERT_EQ(dial(dialler, c.digits.data(), int32_t(c.digits.size()), 0, 0), 0u);
-        EXPECT_EQ(reported(heard, c.event), c.digits);
-        EXPECT_EQ(reported(done, 0x506).size(), 1u);
-        uint8_t status = 0;
-        EXPECT_EQ((c.detector == kDtmf ? RynToneDtmfDetectorStatus : RynToneMfDetectorStatus)(detector, &status), 0u);
-        EXPECT_EQ(status, '#');
+        EXPECT_EQ(heard.reported(c.event), c.digits);
+        EXPECT_EQ(done.reported(0x506).size(), 1u);
+        EXPECT_EQ(got<uint8_t>(c.detector == kDtmf ? RynToneDtmfDetectorStatus : RynToneMfDetectorStatus, detector),
+                  '#');
         EXPECT_EQ(errorOf(dial(dialler, "12x", 3, 0, 0)), 9u);  // refused whole
-        EXPECT_EQ(reported(heard, c.event), "");
+        EXPECT_EQ(heard.reported(c.event), "");
     }
 }
 
@@ -93,10 +79,10 @@ TEST_F(ToneTest, EveryKeyIsHeardFromTheApplicationsSamples) {
     EventListener heardDtmf(dtmf), heardMf(mf);
     for (int key = 0; key < 16; ++key)
         ASSERT_EQ(send(dtmf, play({{kRows[key / 4], -6}, {kColumns[key % 4], -6}}, 50)), 0u);
-    EXPECT_EQ(reported(heardDtmf, kDigitEvent), kDtmfKeys);
+    EXPECT_EQ(heardDtmf.reported(kDigitEvent), kDtmfKeys);
     for (const auto &[low, high] : {std::pair{1100, 1700}, {900, 1300}, {700, 1500}, {1500, 1700}})
         ASSERT_EQ(send(mf, play({{double(low), -8}, {double(high), -8}}, 68)), 0u);
-    EXPECT_EQ(reported(heardMf, kMfEvent), "*57#");  // KP 5 7 ST
+    EXPECT_EQ(heardMf.reported(kMfEvent), "*57#");  // KP 5 7 ST
 }
 
 TEST_F(ToneTest, DtmfReceiverHoldsItsLimits) {
@@ -132,7 +118,7 @@ TEST_F(ToneTest, DtmfReceiverHoldsItsLimits) {
             play({{852 * c.lowShift, c.lowDb}, {1477 * c.highShift, c.highDb}, {500, c.voiceDb}}, c.ms, c.gapMs);
         ASSERT_EQ(send(detector, Samples(20)), 0u);  // off the detector's window edges
         for (int times = c.gapMs < 60 ? 2 : 1; times > 0; --times) ASSERT_EQ(send(detector, digit), 0u);
-        EXPECT_EQ(reported(heard, kDigitEvent), std::string(c.digits, '9')) << c.what;
+        EXPECT_EQ(heard.reported(kDigitEvent), std::string(c.digits, '9')) << c.what;
         RynDrvClose(detector);
     }
 }
@@ -162,11 +148,9 @@ TEST_F(ToneTest, FrequencyDetectorsListenWithTheLibrarysCoefficients) {
     EventListener heardRight(right), heardWrong(wrong);
     for (DeviceHandle detector : {right, wrong}) ASSERT_EQ(RynDrvConnectLogicalDevice(generator, 0, detector, 0), 0u);
     render(generator, 1600);
-    EXPECT_EQ(reported(heardRight, kToneEvent), std::string(1, '\0'));
-    EXPECT_EQ(reported(heardWrong, kToneEvent), "");
-    uint8_t status = 0;
-    EXPECT_EQ(RynToneDualDetectorStatus(right, &status), 0u);
-    EXPECT_EQ(status, 1u);
+    EXPECT_EQ(heardRight.reported(kToneEvent), std::string(1, '\0'));
+    EXPECT_EQ(heardWrong.reported(kToneEvent), "");
+    EXPECT_EQ(got<uint8_t>(RynToneDualDetectorStatus, right), 1u);
 }
 
 TEST_F(ToneTest, DialToneAndSilenceAreReportedWhileTheyLast) {
@@ -174,13 +158,10 @@ TEST_F(ToneTest, DialToneAndSilenceAreReportedWhileTheyLast) {
     EventListener heardTone(dialTone), heardSilence(silence);
     ASSERT_EQ(send(dialTone, play({{350, -10}, {440, -10}}, 300, 0)), 0u);
     ASSERT_EQ(send(silence, play({{1000, -10}}, 100, 300)), 0u);
-    uint32_t toneStatus = 0, silenceStatus = 0;
-    EXPECT_EQ(RynToneDialtoneDetectorStatus(dialTone, &toneStatus), 0u);
-    EXPECT_EQ(RynToneSilenceDetectorStatus(silence, &silenceStatus), 0u);
-    EXPECT_EQ(toneStatus, 1u);  // 350 + 440 Hz
-    EXPECT_EQ(silenceStatus, 1u);
-    EXPECT_EQ(reported(heardTone, kToneEvent), std::string(1, '\0'));
-    EXPECT_EQ(reported(heardSilence, kSilenceEvent), "\1");
+    EXPECT_EQ(got(RynToneDialtoneDetectorStatus, dialTone), 1u);  // 350 + 440 Hz
+    EXPECT_EQ(got(RynToneSilenceDetectorStatus, silence), 1u);
+    EXPECT_EQ(heardTone.reported(kToneEvent), std::string(1, '\0'));
+    EXPECT_EQ(heardSilence.reported(kSilenceEvent), "\1");
 }
 
 TEST_F(ToneTest, BlocksRefuseWhatIsNotTheirs) {

@@ -7,6 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "RynHwDll.h"
 
@@ -22,6 +26,24 @@ inline uint32_t errorOf(ResultCode code) { return code & 0xFFu; }
 // The virtual board's own failures carry this SourceId.
 inline uint32_t sourceOf(ResultCode code) { return (code >> 23) & 0xFFu; }
 inline constexpr uint32_t kBoardSource = 0x72;
+// The "nothing there" status: success with error number 1.
+inline bool isEmpty(ResultCode code) { return !failed(code) && errorOf(code) == 1; }
+
+// What `get` writes through its last argument, the call expected to succeed.
+template <class T = uint32_t, class Get, class... Args>
+T got(Get get, Args... args) {
+    T value;
+    std::memset(&value, 0xA5, sizeof value);
+    EXPECT_EQ(get(args..., &value), 0u);
+    return value;
+}
+// The values of a 32-bit and of a text attribute.
+inline uint32_t attribute(DeviceHandle handle, int32_t id) { return got(RynDrvGetAttributeValueUint32, handle, id); }
+inline std::string text(DeviceHandle handle, int32_t id) {
+    char value[256] = {};
+    EXPECT_EQ(RynDrvGetAttributeValueSz(handle, id, value, sizeof value), 0u);
+    return value;
+}
 
 class VirtualBoardTest : public ::testing::Test {
 protected:
@@ -61,11 +83,26 @@ public:
         if (RynDrvWaitForSingleEvent(event_, ms) != 0) return false;
         return RynDrvGetEventData(queue_, &record) == 0;
     }
-    // Skips records until one with event code `code` (word 3) comes.
-    bool nextWithCode(uint32_t code, EventData &record, uint32_t ms = 1000) {
+    // The next record with event code `code` (word 3), skipping others; all words 0xFFFFFFFF when none comes.
+    EventData nextWith(uint32_t code, uint32_t ms = 1000) {
+        EventData record{};
         while (next(record, ms))
-            if (record.word[3] == code) return true;
-        return false;
+            if (record.word[3] == code) return record;
+        std::memset(&record, 0xFF, sizeof record);
+        return record;
+    }
+    // Words 5 and 6 of the records with `code` that come, each within `ms` of the last.
+    std::vector<std::pair<uint32_t, uint32_t>> drain(uint32_t code, uint32_t ms = 50) {
+        std::vector<std::pair<uint32_t, uint32_t>> values;
+        for (EventData r = nextWith(code, ms); r.word[3] == code; r = nextWith(code, ms))
+            values.emplace_back(r.word[5], r.word[6]);
+        return values;
+    }
+    // Word 5 of those records, as characters.
+    std::string reported(uint32_t code, uint32_t ms = 50) {
+        std::string found;
+        for (const auto &value : drain(code, ms)) found += static_cast<char>(value.first);
+        return found;
     }
 
 private:
