@@ -17,6 +17,7 @@
 #include <cstring>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -246,6 +247,21 @@ struct Row {
 };
 
 using Table = std::span<const Row>;
+
+// A handler for the blocks of one type: the families whose block types share
+// one function-number space answer each request only for its own type.
+template <int32_t Type, Handler Answer>
+uint32_t only(Call &call) {
+    return call.object->type == Type ? Answer(call) : VB_FAILURE(kNotProvided);
+}
+
+// A setting for which 0 asks for the default; nothing when it lies outside
+// low..high.
+inline std::optional<uint32_t> setting(uint32_t value, uint32_t fallback, uint32_t low, uint32_t high) {
+    const uint32_t chosen = value == 0 ? fallback : value;
+    if (chosen < low || chosen > high) return std::nullopt;
+    return chosen;
+}
 
 // The request table of each family (one per family file).
 Table coreTable();

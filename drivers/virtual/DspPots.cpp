@@ -47,12 +47,6 @@ struct Line : ObjectState {
     std::array<uint8_t, kDaaRegisters> daa{};
 };
 
-std::optional<uint32_t> setting(uint32_t value, uint32_t fallback, uint32_t low, uint32_t high) {
-    const uint32_t chosen = value == 0 ? fallback : value;
-    if (chosen < low || chosen > high) return std::nullopt;
-    return chosen;
-}
-
 void report(Call &call, const Line &line, uint32_t cause) {
     const uint32_t volts = line.hook == kOnHook ? kOnHookVolts : kOffHookVolts;
     call.board.post(*call.object, kEventHookChanged, line.hook, cause, volts);

@@ -65,21 +65,7 @@ struct Block : ObjectState {
     uint32_t setUp = kNotSetUp;
 };
 
-// A setting for which 0 asks for the default; nothing when it lies outside
-// low..high.
-std::optional<uint32_t> setting(uint32_t value, uint32_t fallback, uint32_t low, uint32_t high) {
-    const uint32_t chosen = value == 0 ? fallback : value;
-    if (chosen < low || chosen > high) return std::nullopt;
-    return chosen;
-}
-
 int16_t signedWord(const Input &in, uint32_t offset) { return static_cast<int16_t>(in.u16(offset)); }
-
-// Answers a request only for blocks of `Type`.
-template <int32_t Type, Handler Answer>
-uint32_t only(Call &call) {
-    return call.object->type == Type ? Answer(call) : VB_FAILURE(kNotProvided);
-}
 
 // ---- Signals --------------------------------------------------------------
 

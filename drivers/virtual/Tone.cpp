@@ -215,12 +215,6 @@ namespace {
 
 // ---- Generators -------------------------------------------------------------
 
-// Requests answered by one block type only.
-template <int32_t Type, Handler Answer>
-uint32_t only(Call &call) {
-    return call.object->type == Type ? Answer(call) : VB_FAILURE(kNotProvided);
-}
-
 void setSource(Call &call, std::unique_ptr<signal::Source> source) {
     Generator &g = generatorOf(*call.object);
     g.source = std::move(source);
