@@ -1,0 +1,63 @@
+// The virtual board through the shared library, as an application sees it:
+// one request's round trip into the driver module, and the signal processing
+// of its DSP blocks against real time (8000 samples a second).
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <vector>
+
+#include "RynHwDll.h"
+
+namespace {
+
+constexpr int32_t kDsp = 3, kDtmfDialler = 105, kDtmfDetector = 111;
+
+struct Connection {
+    Connection() { RynDrvConnectLib(); }
+    ~Connection() { RynDrvReleaseLib(); }
+    DeviceHandle dsp() const {
+        DeviceHandle handle = 0;
+        RynDrvGetDeviceHandle(0, kDsp, 0, &handle);
+        return handle;
+    }
+    DeviceHandle block(int32_t type) const {
+        DeviceHandle handle = 0;
+        RynDrvCreateLogicalDevice(dsp(), type, 0, 0, &handle);
+        return handle;
+    }
+};
+
+void BM_BoardRoundTrip(benchmark::State &state) {
+    Connection connection;
+    const DeviceHandle dsp = connection.dsp();
+    uint32_t value = 0;
+    for (auto _ : state) benchmark::DoNotOptimize(RynDrvGetState(dsp, &value));
+}
+BENCHMARK(BM_BoardRoundTrip);
+
+// One second of DTMF digits (70 ms tones, 70 ms pauses) through a detector.
+void BM_DtmfDetectorSecond(benchmark::State &state) {
+    Connection connection;
+    const DeviceHandle detector = connection.block(kDtmfDetector);
+    std::vector<int16_t> second(8000);
+    for (size_t n = 0; n < second.size(); ++n)
+        if (n % 1120 < 560)
+            second[n] = static_cast<int16_t>(2000 * (std::sin(2 * M_PI * 770 * n / 8000.0) +
+                                                     std::sin(2 * M_PI * 1336 * n / 8000.0)));
+    for (auto _ : state)
+        RynDrvSetAttributeValue(detector, 31, second.data(), static_cast<uint32_t>(second.size() * 2));
+    state.counters["audio_seconds_per_second"] =
+        benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_DtmfDetectorSecond)->Unit(benchmark::kMicrosecond);
+
+// "1234#" dialled into a connected detector: synthesis and detection of 0.8 s.
+void BM_DialIntoDetector(benchmark::State &state) {
+    Connection connection;
+    const DeviceHandle dialler = connection.block(kDtmfDialler), detector = connection.block(kDtmfDetector);
+    RynDrvConnectLogicalDevice(dialler, 0, detector, 0);
+    for (auto _ : state) RynToneDtmfDial(dialler, "1234#", 5, 0, 0);
+}
+BENCHMARK(BM_DialIntoDetector)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
