@@ -211,7 +211,7 @@ uint32_t getState(Call &call) {
 uint32_t reset(Call &call) {
     Object *object = call.board.find(call.in.u32(16));
     if (object == nullptr) return VB_FAILURE(kInvalidHandle);
-    if (object->family != Family::EventQueue) object->data.reset();
+    resetState(call.board, *object);
     object->state = kStateIdle;
     call.board.post(*object, kEventReset);
     return 0;
@@ -223,7 +223,7 @@ uint32_t close(Call &call) {
     Object *object = call.board.find(call.in.u32(16));
     if (object == nullptr) return VB_FAILURE(kInvalidHandle);
     if (kindOf(object->handle) == kKindPhysical) {
-        object->data.reset();
+        resetState(call.board, *object);
         object->state = kStateIdle;
     } else {
         call.board.destroy(object->handle);

@@ -63,6 +63,15 @@ std::span<const Attribute> familyAttributes(Family family) {
     return {};
 }
 
+void resetState(Board &board, Object &object) {
+    switch (object.family) {
+        case Family::Dsp: return dspReset(board, object);
+        case Family::T1E1: return t1e1Reset(board, object);
+        case Family::EventQueue: return;  // a queue keeps its records and its listener
+        default: object.data.reset();
+    }
+}
+
 namespace {
 
 constexpr uint32_t kCoreFirst = 0x80A;

@@ -444,6 +444,8 @@ const Attribute kAttributes[] = {
 
 }  // namespace
 
+void dspReset(Board &board, Object &dsp) { dropProgram(board, dsp, stateOf(dsp)); }
+
 Table dspTable() { return kRows; }
 std::span<const Attribute> dspAttributes() { return kAttributes; }
 

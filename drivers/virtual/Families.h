@@ -27,6 +27,13 @@ VB_FAMILY(dspPots)
 
 #undef VB_FAMILY
 
+// Returns an object's family state to its start (reset, and the close of a
+// physical device). Families that must tell someone do it here: a running
+// DSP program ends with its event, the far T1/E1 span sees the change.
+void resetState(Board &board, Object &object);
+void dspReset(Board &board, Object &dsp);
+void t1e1Reset(Board &board, Object &span);
+
 // Sample sinks of the families whose blocks take samples in.
 void toneReceive(Board &board, Object &block, std::span<const int16_t> samples);
 void telephonyReceive(Board &board, Object &block, std::span<const int16_t> samples);

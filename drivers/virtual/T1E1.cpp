@@ -337,6 +337,12 @@ const Attribute kAttributes[] = {
 
 }  // namespace
 
+// Both spans see the reset one's return to its start at once.
+void t1e1Reset(Board &board, Object &span) {
+    span.data.reset();
+    settle(board);
+}
+
 Table t1e1Table() { return kRows; }
 std::span<const Attribute> t1e1Attributes() { return kAttributes; }
 

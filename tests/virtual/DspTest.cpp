@@ -11,7 +11,7 @@ namespace {
 using Words = std::vector<uint16_t>;
 using Values = std::vector<uint32_t>;
 enum : int32_t { kDspType = 32, kModule = 33, kEntry = 34, kProgramState = 35, kUnitsLoaded = 36 };
-enum : uint32_t { kNoProgram = 0, kRunning = 2, kHalted = 3, kNoModule = 0xFFFFFFFF, kProgramStarted = 0x0400 };
+enum : uint32_t { kNoProgram = 0, kRunning = 2, kHalted = 3, kNoModule = 0xFFFFFFFF, kProgramStarted = 0x0400, kProgramStopped };
 
 // What the board reports of a DSP's program: module, entry address, state.
 Values program(DeviceHandle dsp) {
@@ -50,6 +50,9 @@ TEST_F(VirtualBoardTest, BuiltInModulesRunOnTheDspOfTheirType) {
     // The DSP type answered decides which modules exist; a refused module leaves module 5 running.
     EXPECT_EQ(errorOf(RynDspRunSpm(device(kDsp, 1), 2)) << 8 | errorOf(RynDspRunSpm(device(kDsp), 5)), 17u << 8 | 17u);
     EXPECT_EQ(attribute(device(kDsp, 1), kModule), 5u);
+    EventListener stopped(device(kDsp, 1));
+    ASSERT_EQ(RynDrvReset(device(kDsp, 1)), 0u);  // the running program ends with its event
+    EXPECT_EQ(stopped.drain(kProgramStopped), (std::vector{std::pair(5u, 0x188A5u)}));
 }
 
 TEST_F(VirtualBoardTest, HandBuiltImagesLandInDspMemory) {

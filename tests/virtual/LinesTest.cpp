@@ -76,6 +76,10 @@ TEST_F(VirtualBoardTest, Layer1StatusFollowsLoopsAlarmsAndTransmitters) {
     const EventData alarm = listener.nextWith(kAlarm);
     EXPECT_EQ(alarm.word[5] * 0x100 + alarm.word[6], 0x0401u);
     EXPECT_EQ(listener.nextWith(kLayer1).word[5], 0x11u);
+    ASSERT_EQ(RynDrvReset(span[0]), 0u);  // back to T1: span 1 is in sync again and told at once
+    const auto changes = listener.drain(kLayer1);
+    ASSERT_FALSE(changes.empty());
+    EXPECT_EQ(changes.back(), std::pair(0x01u, 0x00u));
 }
 
 TEST_F(VirtualBoardTest, PotsLineHookRingingAndDialling) {
