@@ -36,8 +36,13 @@
 // SS7. RynHdlcSS7SendData sends as RynHdlcSendData and keeps the 3-byte field
 // with the frame. RynHdlcSS7GetReceiveStatus answers 8 the frames queued, 12
 // the frames received in all, 16 the frames dropped, 20..22 the 3-byte field
-// of the frame last read (zeros for a frame sent without one). The filter is
-// stored and answered; it does not select frames.
+// of the frame last read (zeros for a frame sent without one). The filter
+// (RynHdlcSS7SetFilter) drops signal units the receiver does not want, by
+// the length indicator in the low 6 bits of the field's third byte: bit 0
+// drops fill-in units (indicator 0), bit 1 link-status units (1 or 2), bit 2
+// a unit equal to the one received before it (field and data); other bits
+// are refused with error 9. It applies to frames sent with the field only.
+// Dropped units are counted in attribute 106.
 //
 // Repeated block. RynHdlcStartRepeatData (1 to 9 bytes) stores the block and
 // loops it back once per start (one sent/received event pair); a start while
@@ -51,9 +56,10 @@
 //
 // Attributes (32-bit, read-only unless said): 100 frames queued, 101 frames
 // dropped, 102 frames sent, 103 frames received, 104 cross-connect (Boolean,
-// settable), 105 the queue's capacity (64).
+// settable), 105 the queue's capacity (64), 106 signal units filtered.
 #include <array>
 #include <deque>
+#include <optional>
 
 #include "Channels.h"
 
@@ -64,11 +70,13 @@ constexpr size_t kQueueCapacity = 64;
 constexpr uint32_t kFrameLimit = 8191;
 constexpr uint32_t kRepeatLimit = 9;
 constexpr uint32_t kSs7Bytes = 3;
+enum Filter : uint32_t { kDropFillIn = 1, kDropLinkStatus = 2, kDropRepeated = 4, kFilterBits = 7 };
 
 struct Frame {
     std::vector<uint8_t> data;
     std::array<uint8_t, kSs7Bytes> ss7{};
-    uint64_t time = 0;  // board time of arrival
+    bool hasSs7 = false;  // sent with the SS7 field
+    uint64_t time = 0;    // board time of arrival
 };
 
 struct HdlcChannel : ObjectState {
@@ -80,6 +88,8 @@ struct HdlcChannel : ObjectState {
     uint32_t sent = 0, received = 0, dropped = 0;
     std::array<uint8_t, kSs7Bytes> lastSs7{};  // of the frame last read
     uint32_t filter = 0;
+    uint32_t filtered = 0;
+    std::optional<Frame> lastUnit;  // the SS7 unit received last, for the repeat filter
     bool crossConnect = false;
     bool repeating = false;
     std::vector<uint8_t> repeatBlock;
@@ -97,6 +107,19 @@ Object &destination(Board &board, Object &sender) {
     return sender;
 }
 
+// Whether the receiver's SS7 filter drops `frame` (and counts it).
+bool filteredOut(HdlcChannel &receiver, const Frame &frame) {
+    if (!frame.hasSs7) return false;
+    const uint32_t indicator = frame.ss7[2] & 0x3Fu;
+    const bool repeated = receiver.lastUnit && receiver.lastUnit->ss7 == frame.ss7 && receiver.lastUnit->data == frame.data;
+    receiver.lastUnit = frame;
+    const bool drop = ((receiver.filter & kDropFillIn) && indicator == 0) ||
+                      ((receiver.filter & kDropLinkStatus) && (indicator == 1 || indicator == 2)) ||
+                      ((receiver.filter & kDropRepeated) && repeated);
+    receiver.filtered += drop;
+    return drop;
+}
+
 void loopBack(Board &board, Object &sender, Frame frame) {
     const auto length = static_cast<uint32_t>(frame.data.size());
     ++channelOf(sender).sent;
@@ -107,6 +130,7 @@ void loopBack(Board &board, Object &sender, Frame frame) {
         ++receiver.dropped;
         return;
     }
+    if (filteredOut(receiver, frame)) return;
     if (receiver.queue.size() >= kQueueCapacity) {
         receiver.queue.pop_front();
         ++receiver.dropped;
@@ -171,6 +195,7 @@ uint32_t ss7SendData(Call &call) {
     Frame frame;
     if (const uint32_t refused = takeFrame(call, call.in.u32(20), kFrameLimit, 36, frame)) return refused;
     std::memcpy(frame.ss7.data(), call.in.bytes(24, kSs7Bytes).data(), kSs7Bytes);
+    frame.hasSs7 = true;
     loopBack(call.board, *call.object, std::move(frame));
     return 0;
 }
@@ -204,6 +229,7 @@ uint32_t ss7ReceiveStatus(Call &call) {
 }
 
 uint32_t ss7SetFilter(Call &call) {
+    if ((call.in.u32(20) & ~kFilterBits) != 0) return VB_FAILURE(kOutOfRange);
     channelOf(call).filter = call.in.u32(20);
     return 0;
 }
@@ -296,6 +322,7 @@ const Attribute kAttributes[] = {
     {103, 2, counter<&HdlcChannel::received>, nullptr},
     {104, 1, crossConnect, setCrossConnect},
     {105, 2, queueCapacity, nullptr},
+    {106, 2, counter<&HdlcChannel::filtered>, nullptr},
 };
 
 }  // namespace

@@ -52,8 +52,16 @@ TEST_F(ChannelsTest, HdlcFramesRoundTripWithEvents) {
     uint8_t status[3] = {};
     ASSERT_EQ(RynHdlcSS7GetReceiveStatus(channel, &queued, &received, &dropped, status), 0u);
     EXPECT_EQ(std::tuple(std::memcmp(status, header, 3), received, queued + dropped), std::tuple(0, 4u, 0u));
-    EXPECT_EQ(RynHdlcSS7SetFilter(channel, 0x55), 0u);
-    EXPECT_EQ(got(RynHdlcSS7GetFilter, channel), 0x55u);
+    // The filter drops fill-in units (bit 0) and repeated units (bit 2) of those sent with the field.
+    EXPECT_EQ(errorOf(RynHdlcSS7SetFilter(channel, 8)), 9u);
+    EXPECT_EQ(RynHdlcSS7SetFilter(channel, 5), 0u);
+    EXPECT_EQ(got(RynHdlcSS7GetFilter, channel), 5u);
+    const uint8_t fillIn[3] = {1, 1, 0}, linkStatus[3] = {1, 1, 2}, message[3] = {1, 2, 3};
+    for (const uint8_t *field : {fillIn, linkStatus, message, message, fillIn})
+        ASSERT_EQ(RynHdlcSS7SendData(channel, "u", 1, field, 0, 0), 0u);
+    ASSERT_EQ(RynHdlcSendData(channel, "plain", 5, 0, 0), 0u);  // no field: not filtered
+    EXPECT_EQ(std::pair(attribute(channel, 100), attribute(channel, 106)), std::pair(3u, 3u));
+    ASSERT_EQ(RynHdlcReceiverInit(channel, 0, 0, 0, 0, 0, 0, 0), 0u);  // empties the queue
 
     // A repeated block is looped back once per start; ReadDataEx peeks at it.
     ASSERT_EQ(RynHdlcStartRepeatData(channel, "rep", 3, 0, 0), 0u);
