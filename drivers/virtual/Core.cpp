@@ -12,6 +12,7 @@ namespace {
 constexpr const char *kDriverVersion = "1.01.47.0";
 constexpr const char *kBoardName = "Virtual board";
 constexpr uint32_t kBlocksPerDsp = 64;
+constexpr size_t kObjectLimit = 4096;  // pipes and event queues beside the devices and blocks
 constexpr uint32_t kPipeDataLimit = 512;
 constexpr uint32_t kEventTextBytes = 256;
 
@@ -129,6 +130,7 @@ uint32_t createLogicalDevice(Call &call) {
 }
 
 uint32_t createPipe(Call &call) {
+    if (call.board.objects().size() >= kObjectLimit) return VB_FAILURE(kFailed);
     Object &pipe = call.board.create(kKindPipe, kTypePipe, Family::Pipe, 0, "Pipe");
     call.out.u32(8, pipe.handle);
     return 0;
@@ -336,6 +338,7 @@ uint32_t setAttributeValue(Call &call) {
 uint32_t createEventQueue(Call &call) {
     const uint32_t source = call.in.u32(16);
     if (source != 0 && call.board.find(source) == nullptr) return VB_FAILURE(kInvalidHandle);
+    if (call.board.objects().size() >= kObjectLimit) return VB_FAILURE(kFailed);
     Object &queue = call.board.create(kKindQueue, kTypeEventQueue, Family::EventQueue, 0, "Event queue");
     auto &state = queue.as<EventQueue>();
     state.source = source;

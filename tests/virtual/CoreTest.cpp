@@ -105,6 +105,13 @@ TEST_F(VirtualBoardTest, BlocksPipesAndConnectionsLiveUntilClosed) {
     EXPECT_EQ(RynDrvClose(generator), 0u);
     uint32_t state = 0;
     EXPECT_EQ(sourceOf(RynDrvGetState(generator, &state)), kBoardSource);
+    // The board holds a bounded number of objects: pipes beyond it are refused, and closing makes room.
+    std::vector<DeviceHandle> pipes;
+    ResultCode last = 0;
+    for (DeviceHandle next = 0; pipes.size() < 5000 && (last = RynDrvCreatePipe(0, &next)) == 0;) pipes.push_back(next);
+    EXPECT_EQ(errorOf(last), 13u);
+    EXPECT_EQ(RynDrvClose(pipes.back()), 0u);
+    EXPECT_EQ(RynDrvCreatePipe(0, &pipe), 0u);
 }
 
 TEST_F(VirtualBoardTest, LyingRequestsAreAnsweredWithFailures) {
