@@ -172,6 +172,8 @@ const char *eventText(uint32_t code) {
         case kEventSilence: return "Silence detected";
         case kEventDialDone: return "Dialling finished";
         case kEventSequenceDone: return "Sequence sent";
+        case kEventDataByte: return "Data byte received";
+        case kEventCallerId: return "Caller identification received";
         default: return nullptr;
     }
 }

@@ -161,6 +161,8 @@ enum EventCode : uint32_t {
     kEventSilence = 0x0505,
     kEventDialDone = 0x0506,
     kEventSequenceDone = 0x0507,
+    kEventDataByte = 0x0508,
+    kEventCallerId = 0x0509,
 };
 
 const char *eventText(uint32_t code);  // nullptr for an unknown code

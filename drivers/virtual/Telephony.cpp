@@ -23,7 +23,9 @@
 // their input in frames with a small Goertzel bank: a frequency is present in
 // a frame when it holds a tenth of the frame's energy or more (a lone tone
 // holds a half, each of two equal tones a quarter) and the frame's level is
-// above the detector's floor.
+// above the detector's floor. The caller identification detector is the
+// exception: it demodulates FSK sample by sample (see its section).
+// Attribute 31 hands the application's samples to a block that takes them.
 //
 // The sources, the DTMF digits and the Goertzel measure are the tone
 // family's (Signal.h); what is the telephony blocks' own is their framing,
@@ -33,6 +35,7 @@
 #include <bit>
 #include <cmath>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "Families.h"
@@ -725,24 +728,115 @@ void cptFrame(Board &board, Object &block, CptDetector &detector, std::span<cons
 }
 
 // ---- Caller identification detector ---------------------------------------
+//
+// The detector demodulates its input (Signal.h's FSK receiver) and reads
+// the messages in it. A message begins with the first byte after at least
+// 10 bits of steady mark (what comes before, the channel seizure, is passed
+// over): its type, the length of its body, the body, and a checksum that
+// brings the sum of all its bytes to 0 modulo 256. Once the checksum byte
+// is in, the detector keeps the message's fields and posts "Caller
+// identification received": word 5 the type, word 6 1 when the checksum
+// was right (0 when not: the fields are kept all the same), word 7 the
+// body's length.
+//
+// Type 0x04 (single data message): 8 digits of date and time, MMDDhhmm,
+// then the number. Type 0x80 (multiple data message): parameters of a type,
+// a length and the value; 0x01 date and time, 0x02 the number (0x04 why
+// there is none, 'O' or 'P'), 0x07 the name (0x08 why there is none); other
+// parameters are passed over, and the parameters end at one that runs past
+// the body. Other message types leave the fields empty.
 
 constexpr uint32_t kBell202 = 0, kV23 = 1;
+constexpr size_t kDateDigits = 8;
+constexpr uint8_t kSingleMessage = 0x04, kMultipleMessage = 0x80;
+enum Parameter : uint8_t { kDate = 0x01, kNumber = 0x02, kNoNumber = 0x04, kName = 0x07, kNoName = 0x08 };
+
+struct CallerId {
+    std::string date, number, name;
+    bool checksumGood = false;
+};
 
 struct CallerIdDetector : Block {
     uint32_t format = kBell202;
     uint32_t setting2 = 0;
+    std::optional<signal::FskReceiver> receiver;
+    std::vector<uint8_t> message;  // the message being received, from its type
+    bool receiving = false;
+    CallerId last;
 };
 
-// param1: the signal's format, 0 Bell 202 or 1 V.23; param2 kept. The block
-// takes no samples: caller identification is not demodulated on this board.
+// param1: the signal's format, 0 Bell 202 or 1 V.23; param2 kept. The
+// carrier floor is the telephony detectors' default, 40 dB below full scale.
 uint32_t callerIdInit(Call &call) {
     const uint32_t format = call.in.u32(kParam1);
     if (format != kBell202 && format != kV23) return VB_FAILURE(kOutOfRange);
     auto &detector = call.object->as<CallerIdDetector>();
+    detector = CallerIdDetector{};
     detector.format = format;
     detector.setting2 = call.in.u32(kParam2);
+    detector.receiver.emplace(static_cast<signal::FskMode>(format), amplitude(kDefaultFloorDb));
     detector.setUp = kBasicSetUp;
     return 0;
+}
+
+// Printable ASCII as it is, any other byte as '?'.
+std::string textOf(std::span<const uint8_t> bytes) {
+    std::string text;
+    for (uint8_t b : bytes) text += b >= 0x20 && b < 0x7F ? static_cast<char>(b) : '?';
+    return text;
+}
+
+void readSingle(std::span<const uint8_t> body, CallerId &id) {
+    const size_t date = std::min(body.size(), kDateDigits);
+    id.date = textOf(body.first(date));
+    id.number = textOf(body.subspan(date));
+}
+
+// The field a parameter fills, none for a parameter passed over.
+std::string *fieldOf(CallerId &id, uint8_t parameter) {
+    if (parameter == kDate) return &id.date;
+    if (parameter == kNumber || parameter == kNoNumber) return &id.number;
+    if (parameter == kName || parameter == kNoName) return &id.name;
+    return nullptr;
+}
+
+void readMultiple(std::span<const uint8_t> body, CallerId &id) {
+    for (size_t at = 0; body.size() - at >= 2 && body.size() - at - 2 >= body[at + 1]; at += 2 + body[at + 1])
+        if (std::string *field = fieldOf(id, body[at])) *field = textOf(body.subspan(at + 2, body[at + 1]));
+}
+
+void messageReceived(Board &board, Object &block, CallerIdDetector &detector) {
+    const std::span<const uint8_t> message = detector.message;
+    const std::span<const uint8_t> body = message.subspan(2, message[1]);
+    CallerId id;
+    uint8_t sum = 0;
+    for (uint8_t b : message) sum = static_cast<uint8_t>(sum + b);
+    id.checksumGood = sum == 0;
+    if (message[0] == kSingleMessage) readSingle(body, id);
+    if (message[0] == kMultipleMessage) readMultiple(body, id);
+    detector.last = std::move(id);
+    board.post(block, kEventCallerId, message[0], detector.last.checksumGood ? 1 : 0, message[1]);
+}
+
+// Type, length, body and checksum: the message is complete at 3 + length bytes.
+void callerIdByte(Board &board, Object &block, CallerIdDetector &detector, const signal::FskByte &byte) {
+    if (byte.afterMark) {
+        detector.message.clear();
+        detector.receiving = true;
+    }
+    if (!detector.receiving) return;
+    detector.message.push_back(byte.value);
+    if (detector.message.size() < 2 || detector.message.size() < detector.message[1] + 3u) return;
+    detector.receiving = false;
+    messageReceived(board, block, detector);
+}
+
+void callerIdReceive(Board &board, Object &block, std::span<const int16_t> samples) {
+    auto &detector = block.as<CallerIdDetector>();
+    if (!detector.receiver) return;  // not set up
+    std::vector<signal::FskByte> bytes;
+    detector.receiver->run(samples, bytes);
+    for (const signal::FskByte &byte : bytes) callerIdByte(board, block, detector, byte);
 }
 
 // ---- Tables ---------------------------------------------------------------
@@ -781,8 +875,65 @@ std::vector<uint8_t> setUpValue(Call &, Object &object, uint32_t) {
     return wordValue(block != nullptr ? block->setUp : kNotSetUp);
 }
 
+// Attributes 41 to 44 of the caller identification detector (read-only):
+// the last message's date and time, number and name (texts, empty when the
+// message had none) and whether its checksum was right (Boolean).
+const CallerId *lastCallerId(Call &call, Object &object) {
+    if (object.type == kCallerIdDetector) return &object.as<CallerIdDetector>().last;
+    call.refusal = VB_FAILURE(kNotProvided);
+    return nullptr;
+}
+
+template <std::string CallerId::*Field>
+std::vector<uint8_t> callerIdText(Call &call, Object &object, uint32_t) {
+    const CallerId *id = lastCallerId(call, object);
+    return id != nullptr ? textValue(id->*Field) : std::vector<uint8_t>{};
+}
+
+std::vector<uint8_t> checksumGood(Call &call, Object &object, uint32_t) {
+    const CallerId *id = lastCallerId(call, object);
+    return id != nullptr ? wordValue(id->checksumGood ? 1 : 0) : std::vector<uint8_t>{};
+}
+
+// Attribute 31 (set only) of a block that takes samples: the application's
+// samples (little-endian, an even number of bytes, at most 64 KiB) run
+// through the block as if they came from a connection, in 20 ms frames on
+// the board's clock.
+constexpr uint32_t kAudioBytes = 65536;
+
+bool takesSamples(int32_t type) {
+    return type == kVoiceActivityDetector || type == kDtmfDetector || type == kVoiceMixer || type == kEchoCanceller ||
+           type == kCptDetector || type == kCallerIdDetector;
+}
+
+uint32_t receiveAudio(Call &call, Object &block, std::span<const uint8_t> value) {
+    if (!takesSamples(block.type)) return VB_FAILURE(kNotProvided);
+    if (value.size() % 2 != 0 || value.size() > kAudioBytes) return VB_FAILURE(kOutOfRange);
+    std::vector<int16_t> samples(value.size() / 2);
+    for (size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<int16_t>(value[2 * i] | (value[2 * i + 1] << 8));
+    for (size_t at = 0; at < samples.size(); at += kPlayFrame) {
+        const auto frame = std::span<const int16_t>(samples).subspan(at, std::min(kPlayFrame, samples.size() - at));
+        telephonyReceive(call.board, block, frame);
+        call.board.advance(frame.size() * kSampleInterval);
+    }
+    return 0;
+}
+
+std::vector<uint8_t> noAudioOut(Call &call, Object &, uint32_t capacity) {
+    if (capacity != 0) call.refusal = VB_FAILURE(kNotProvided);
+    return {};
+}
+
+constexpr uint32_t kText = 0, kBoolean = 1, kWord = 2, kBinary = 3;
+
 const Attribute kAttributes[] = {
-    {40, 2, setUpValue, nullptr},
+    {31, kBinary, noAudioOut, receiveAudio},
+    {40, kWord, setUpValue, nullptr},
+    {41, kText, callerIdText<&CallerId::date>, nullptr},
+    {42, kText, callerIdText<&CallerId::number>, nullptr},
+    {43, kText, callerIdText<&CallerId::name>, nullptr},
+    {44, kBoolean, checksumGood, nullptr},
 };
 
 }  // namespace
@@ -802,8 +953,10 @@ void telephonyReceive(Board &board, Object &block, std::span<const int16_t> samp
             return passOn(board, block, block.as<VoiceMixer>(), samples);
         case kEchoCanceller:
             return passOn(board, block, block.as<EchoCanceller>(), samples);
+        case kCallerIdDetector:
+            return callerIdReceive(board, block, samples);
         default:
-            return;  // generators and the caller identification detector take no samples
+            return;  // generators take no samples
     }
 }
 

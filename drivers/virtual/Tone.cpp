@@ -11,6 +11,7 @@
 // detector. Whatever plays advances the board clock by its duration, 10 ms
 // at a time, so that events carry the time they were found.
 #include <algorithm>
+#include <optional>
 
 #include "Families.h"
 #include "Signal.h"
@@ -49,6 +50,8 @@ constexpr DialDefaults kDtmfDial{80, 80, 0};
 constexpr DialDefaults kMfDial{68, 68, 100};  // KP longer
 constexpr uint32_t kDigitMs = 40, kPauseMs = 40, kDetectDb = 30, kSilenceDb = 40, kSilenceMs = 200;
 constexpr uint32_t kDialToneMs = 100;
+constexpr uint32_t kFskFloorDb = 40;
+constexpr size_t kFskKept = 64;  // bytes the FSK detector keeps for attribute 41
 constexpr int32_t kMfTwist = 6, kToneTwist = 6;
 
 // The board's dial tone: 350 + 440 Hz, or 425 Hz alone.
@@ -77,6 +80,9 @@ struct Detector : ObjectState {
     uint32_t samplerMode = 0;
     int16_t lastSample = 0, peak = 0;
     uint32_t fskMode = 0;
+    std::optional<signal::FskReceiver> fsk;  // made from fskMode on the first samples
+    uint32_t fskCount = 0;
+    std::vector<uint8_t> fskLast;  // the last bytes received, the oldest first
 };
 
 bool isGenerator(int32_t type) {
@@ -193,6 +199,21 @@ void post(Board &board, Object &block, Detector &d, const signal::Report &r) {
     }
 }
 
+// The FSK detector posts "Data byte received" for each character: word 5
+// the byte, word 6 the first sample of its start bit, word 7 1 when it
+// followed at least 10 bits of steady mark (the first byte of a message).
+void fskReceive(Board &board, Object &block, Detector &d, std::span<const int16_t> samples) {
+    if (!d.fsk) d.fsk.emplace(static_cast<signal::FskMode>(d.fskMode), signal::peakOf(kFskFloorDb));
+    std::vector<signal::FskByte> bytes;
+    d.fsk->run(samples, bytes);
+    for (const signal::FskByte &b : bytes) {
+        ++d.fskCount;
+        d.fskLast.push_back(b.value);
+        if (d.fskLast.size() > kFskKept) d.fskLast.erase(d.fskLast.begin());
+        board.post(block, kEventDataByte, b.value, static_cast<uint32_t>(b.firstSample), b.afterMark ? 1 : 0);
+    }
+}
+
 void sample(Detector &d, std::span<const int16_t> samples) {
     for (int16_t s : samples) d.peak = std::max<int16_t>(d.peak, s == INT16_MIN ? INT16_MAX : std::abs(s));
     d.lastSample = samples.back();
@@ -204,8 +225,9 @@ void toneReceive(Board &board, Object &block, std::span<const int16_t> samples) 
     if (!running(block) || !isReceiver(block.type) || samples.empty()) return;
     Detector &d = block.as<Detector>();
     if (block.type == kTypeValueSampler) return sample(d, samples);
+    if (block.type == kTypeFskDetector) return fskReceive(board, block, d, samples);
     signal::Receiver *receiver = receiverOf(block);
-    if (receiver == nullptr) return;  // FSK, or a frequency detector not set up
+    if (receiver == nullptr) return;  // a frequency detector not set up
     std::vector<signal::Report> reports;
     receiver->run(samples, reports);
     for (const signal::Report &r : reports) post(board, block, d, r);
@@ -415,11 +437,16 @@ uint32_t mfDetectorInit(Call &call) {
     return 0;
 }
 
-// param1: 0 Bell 202 (1200/2200 Hz), 1 V.23 (1300/2100 Hz); kept only.
+// param1: 0 Bell 202 (1200/2200 Hz), 1 V.23 (1300/2100 Hz). The detector
+// starts afresh: the receiver, the count and the bytes kept.
 uint32_t fskInit(Call &call) {
     const uint32_t mode = call.in.u32(kParam1);
     if (mode > 1) return VB_FAILURE(kOutOfRange);
-    call.object->as<Detector>().fskMode = mode;
+    Detector &d = call.object->as<Detector>();
+    d.fskMode = mode;
+    d.fsk.reset();
+    d.fskCount = 0;
+    d.fskLast.clear();
     return 0;
 }
 
@@ -547,15 +574,41 @@ uint32_t receiveAudio(Call &call, Object &block, std::span<const uint8_t> value)
     return 0;
 }
 
+// Attributes 40 and 41 of the FSK detector (read-only): the count of bytes
+// received since its set-up, and the last of them (at most 64, as many as
+// the caller's buffer holds), the oldest first.
+Detector *fskOf(Call &call, Object &block) {
+    if (block.type == kTypeFskDetector) return &block.as<Detector>();
+    call.refusal = VB_FAILURE(kNotProvided);
+    return nullptr;
+}
+
+std::vector<uint8_t> fskCount(Call &call, Object &block, uint32_t) {
+    const Detector *d = fskOf(call, block);
+    return d != nullptr ? wordValue(d->fskCount) : std::vector<uint8_t>{};
+}
+
+std::vector<uint8_t> fskBytes(Call &call, Object &block, uint32_t capacity) {
+    const Detector *d = fskOf(call, block);
+    if (d == nullptr) return {};
+    const size_t count = std::min<size_t>(capacity, d->fskLast.size());
+    return {d->fskLast.end() - static_cast<std::ptrdiff_t>(count), d->fskLast.end()};
+}
+
 // Attribute 31 is set only.
 std::vector<uint8_t> nothing(Call &call, Object &, uint32_t capacity) {
     if (capacity != 0) call.refusal = VB_FAILURE(kNotProvided);
     return {};
 }
 
+constexpr int32_t kAttributeFskCount = 40, kAttributeFskBytes = 41;
+constexpr uint32_t kTypeWord = 2;
+
 const Attribute kAttributes[] = {
     {kAttributeAudioOut, kTypeBinary, renderAudio, nullptr},
     {kAttributeAudioIn, kTypeBinary, nothing, receiveAudio},
+    {kAttributeFskCount, kTypeWord, fskCount, nullptr},
+    {kAttributeFskBytes, kTypeBinary, fskBytes, nullptr},
 };
 
 }  // namespace
