@@ -19,8 +19,12 @@ constexpr uint32_t kLongestRecording = 600;  // seconds
 // Block types of the board's tone family.
 enum : int32_t {
     kSineGenerator = 103, kDtmfDialler = 105, kMfDialler = 106,
-    kSilenceDetector = 110, kDtmfDetector = 111, kDialtoneDetector = 113, kMfDetector = 114, kSingleDetector = 116,
+    kSilenceDetector = 110, kDtmfDetector = 111, kFskDetector = 112, kDialtoneDetector = 113, kMfDetector = 114,
+    kSingleDetector = 116, kCallerIdDetector = 128,
 };
+// Events and attributes the detectors report with.
+enum : uint32_t { kDigit = 0x0500, kMfDigit = 0x0501, kTone = 0x0502, kDataByte = 0x0508, kCallerId = 0x0509 };
+enum : int32_t { kCallerDate = 41, kCallerNumber = 42, kCallerName = 43 };
 
 // A block created on DSP 0 for one command, closed with it.
 class Block {
@@ -170,6 +174,16 @@ bool setUpDetector(const char *spec, std::unique_ptr<Block> &block) {
         block = std::make_unique<Block>(d.type);
         return block->ok();  // the detectors' defaults
     }
+    // FSK at 1200 baud: Bell 202, or V.23 with ":v23".
+    const bool v23 = std::strstr(spec, ":v23") != nullptr;
+    if (std::strcmp(spec, "fsk") == 0 || std::strcmp(spec, "fsk:v23") == 0) {
+        block = std::make_unique<Block>(kFskDetector);
+        return block->ok() && check("detector set-up", RynToneFskDetectorInit(block->handle(), v23));
+    }
+    if (std::strcmp(spec, "callerid") == 0 || std::strcmp(spec, "callerid:v23") == 0) {
+        block = std::make_unique<Block>(kCallerIdDetector);
+        return block->ok() && check("detector set-up", RynCstCidDetectorInit(block->handle(), v23, 0));
+    }
     if (startsWith(spec, "tone:")) {
         const auto list = frequencies(spec + 5);
         if (list.empty() || list.size() > 6) {
@@ -181,23 +195,38 @@ bool setUpDetector(const char *spec, std::unique_ptr<Block> &block) {
                                                                                   static_cast<int32_t>(list.size()),
                                                                                   0, 0, 0));
     }
-    std::fprintf(stderr, "rynctl: \"%s\" names no detector (dtmf, mf, dialtone, silence or tone:HZ[,HZ...])\n", spec);
+    std::fprintf(stderr,
+                 "rynctl: \"%s\" names no detector (dtmf, mf, dialtone, silence, fsk[:v23], callerid[:v23] or "
+                 "tone:HZ[,HZ...])\n",
+                 spec);
     return false;
 }
 
 // One detector event: what, and where in the file it began.
-std::string describe(const EventData &record, std::string &detected) {
+std::string describe(const EventData &record, DeviceHandle block, std::string &detected) {
     char text[256] = {};
     if (RynFailure(RynDrvEventCode2String_16(0, record.word[3], 0, text))) std::snprintf(text, sizeof text, "?");
     const double at = record.word[6] / static_cast<double>(wav::kSampleRate);
     char line[320];
-    if (record.word[3] == 0x0500 || record.word[3] == 0x0501) {  // digits
-        const char digit = static_cast<char>(record.word[5]);
-        detected += digit;
-        std::snprintf(line, sizeof line, "%7.3f s  %-22s '%c'", at, text, digit);
+    const uint32_t code = record.word[3], value = record.word[5];
+    if (code == kDigit || code == kMfDigit) {
+        detected += static_cast<char>(value);
+        std::snprintf(line, sizeof line, "%7.3f s  %-22s '%c'", at, text, static_cast<char>(value));
+    } else if (code == kDataByte) {
+        const char shown = value >= 0x20 && value < 0x7F ? static_cast<char>(value) : '.';
+        detected += shown;
+        std::snprintf(line, sizeof line, "%7.3f s  %-22s 0x%02X '%c'", at, text, value & 0xFFu, shown);
+    } else if (code == kCallerId) {
+        char date[16] = {}, number[64] = {}, name[64] = {};
+        readText(block, kCallerDate, date, sizeof date);
+        readText(block, kCallerNumber, number, sizeof number);
+        readText(block, kCallerName, name, sizeof name);
+        detected += number;
+        std::snprintf(line, sizeof line, "           %s: type 0x%02X, date %s, number %s, name %s, checksum %s", text,
+                      value, date, number, name, record.word[6] != 0 ? "right" : "WRONG");
     } else {
-        std::snprintf(line, sizeof line, "%7.3f s  %-22s %u", at, text, record.word[5]);
-        if (record.word[3] == 0x0502) detected += static_cast<char>('0' + record.word[5] % 10);
+        std::snprintf(line, sizeof line, "%7.3f s  %-22s %u", at, text, value);
+        if (code == kTone) detected += static_cast<char>('0' + value % 10);
     }
     return line;
 }
@@ -213,6 +242,8 @@ int playUsage(FILE *to) {
                  "  dialtone         dial tone (350+440 Hz, or 425 Hz)\n"
                  "  silence          silence and its end\n"
                  "  tone:HZ[,HZ...]  single tones at up to six frequencies (index 0 first)\n"
+                 "  fsk[:v23]        FSK bytes at 1200 baud, Bell 202 or V.23\n"
+                 "  callerid[:v23]   caller identification messages (FSK, Bell 202 or V.23)\n"
                  "Exits 0 when something was detected, 1 when nothing was.\n");
     return to == stdout ? 0 : 2;
 }
@@ -245,7 +276,7 @@ int play(int argc, char **argv) {
         done += count;
         EventData record{};
         while (RynDrvGetEventData(queue, &record) == 0) {
-            std::printf("%s\n", describe(record, detected).c_str());
+            std::printf("%s\n", describe(record, block->handle(), detected).c_str());
             ++events;
         }
     }
