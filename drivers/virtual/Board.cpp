@@ -110,9 +110,9 @@ void Board::deliver(const Object &source, std::span<const int16_t> samples) {
             if (target->family == Family::Pipe) {
                 pending.push_back(to);
             } else if (target->family == Family::Tone) {
-                toneReceive(*this, *target, samples);
+                toneReceive(*this, *target, samples, source.handle);
             } else if (target->family == Family::Telephony) {
-                telephonyReceive(*this, *target, samples);
+                telephonyReceive(*this, *target, samples, source.handle);
             }
         }
     }

@@ -34,8 +34,9 @@ void resetState(Board &board, Object &object);
 void dspReset(Board &board, Object &dsp);
 void t1e1Reset(Board &board, Object &span);
 
-// Sample sinks of the families whose blocks take samples in.
-void toneReceive(Board &board, Object &block, std::span<const int16_t> samples);
-void telephonyReceive(Board &board, Object &block, std::span<const int16_t> samples);
+// Sample sinks of the families whose blocks take samples in; `from` is the
+// handle of the object that played them (0: the application).
+void toneReceive(Board &board, Object &block, std::span<const int16_t> samples, uint32_t from);
+void telephonyReceive(Board &board, Object &block, std::span<const int16_t> samples, uint32_t from);
 
 }  // namespace vb

@@ -30,6 +30,11 @@ double frequencyOf(uint16_t coefficient);  // the frequency a coefficient stands
 double peakOf(double attenuationDb);       // the peak amplitude of a level
 uint64_t samplesOf(uint64_t milliseconds);
 
+// Samples as the application hands them over and takes them back: 16-bit
+// little-endian values (an odd last byte is left out).
+std::vector<int16_t> fromLittleEndian(std::span<const uint8_t> bytes);
+std::vector<uint8_t> toLittleEndian(std::span<const int16_t> samples);
+
 // ---- Measures ---------------------------------------------------------------
 
 // The sum of the squared samples.

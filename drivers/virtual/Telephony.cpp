@@ -384,11 +384,10 @@ uint32_t mixerInit(Call &call) {
 
 // mixItems: the handles of the input blocks (objects of the board, not the
 // mixer itself); param2: output gain as above; mixValues: each input's gain
-// in 1/256; param4 (at 792) not used; mixCount 0..128.
-//
-// The board's sample flow does not tell a block where its samples come from,
-// so the mixer applies its output gain to whatever reaches it and keeps the
-// input gains without applying them.
+// in 1/256; param4 (at 792) not used; mixCount 0..128. Once inputs are
+// listed, the mixer passes on only what they play, each scaled by its own
+// gain and then by the output gain; with none listed (the basic set-up, or a
+// count of 0) it passes on whatever reaches it, scaled by the output gain.
 uint32_t mixerInitEx(Call &call) {
     const int32_t count = call.in.i32(kMixCount);
     if (count < 0 || count > kMixSlots) return VB_FAILURE(kOutOfRange);
@@ -405,6 +404,20 @@ uint32_t mixerInitEx(Call &call) {
     mixed.setUp = kExtendedSetUp;
     call.object->as<VoiceMixer>() = std::move(mixed);
     return 0;
+}
+
+// Samples that reach the mixer from `from` (0: the application).
+void mix(Board &board, Object &block, std::span<const int16_t> samples, uint32_t from) {
+    const VoiceMixer &mixer = block.as<VoiceMixer>();
+    if (mixer.inputs.empty()) return passOn(board, block, block.as<VoiceMixer>(), samples);
+    const auto input = std::find(mixer.inputs.begin(), mixer.inputs.end(), from);
+    if (input == mixer.inputs.end()) return;  // not one of the inputs mixed
+    const uint32_t gain = mixer.inputGains[static_cast<size_t>(input - mixer.inputs.begin())];
+    std::vector<int16_t> scaled(samples.size());
+    std::transform(samples.begin(), samples.end(), scaled.begin(), [&](int16_t x) {
+        return static_cast<int16_t>(std::clamp<int64_t>(int64_t{x} * gain / kUnityGain, -32768, 32767));
+    });
+    passOn(board, block, block.as<VoiceMixer>(), scaled);
 }
 
 constexpr uint32_t kDefaultTailMs = 64, kLongestTailMs = 128;
@@ -909,12 +922,10 @@ bool takesSamples(int32_t type) {
 uint32_t receiveAudio(Call &call, Object &block, std::span<const uint8_t> value) {
     if (!takesSamples(block.type)) return VB_FAILURE(kNotProvided);
     if (value.size() % 2 != 0 || value.size() > kAudioBytes) return VB_FAILURE(kOutOfRange);
-    std::vector<int16_t> samples(value.size() / 2);
-    for (size_t i = 0; i < samples.size(); ++i)
-        samples[i] = static_cast<int16_t>(value[2 * i] | (value[2 * i + 1] << 8));
+    const std::vector<int16_t> samples = signal::fromLittleEndian(value);
     for (size_t at = 0; at < samples.size(); at += kPlayFrame) {
         const auto frame = std::span<const int16_t>(samples).subspan(at, std::min(kPlayFrame, samples.size() - at));
-        telephonyReceive(call.board, block, frame);
+        telephonyReceive(call.board, block, frame, 0);
         call.board.advance(frame.size() * kSampleInterval);
     }
     return 0;
@@ -941,7 +952,7 @@ const Attribute kAttributes[] = {
 Table telephonyTable() { return kRows; }
 std::span<const Attribute> telephonyAttributes() { return kAttributes; }
 
-void telephonyReceive(Board &board, Object &block, std::span<const int16_t> samples) {
+void telephonyReceive(Board &board, Object &block, std::span<const int16_t> samples, uint32_t from) {
     switch (block.type) {
         case kDtmfDetector:
             return analyse<DtmfDetector, kDtmfFrame, dtmfFrame>(board, block, samples);
@@ -950,7 +961,7 @@ void telephonyReceive(Board &board, Object &block, std::span<const int16_t> samp
         case kCptDetector:
             return analyse<CptDetector, kCptFrame, cptFrame>(board, block, samples);
         case kVoiceMixer:
-            return passOn(board, block, block.as<VoiceMixer>(), samples);
+            return mix(board, block, samples, from);
         case kEchoCanceller:
             return passOn(board, block, block.as<EchoCanceller>(), samples);
         case kCallerIdDetector:

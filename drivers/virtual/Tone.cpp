@@ -221,7 +221,7 @@ void sample(Detector &d, std::span<const int16_t> samples) {
 
 }  // namespace
 
-void toneReceive(Board &board, Object &block, std::span<const int16_t> samples) {
+void toneReceive(Board &board, Object &block, std::span<const int16_t> samples, uint32_t) {
     if (!running(block) || !isReceiver(block.type) || samples.empty()) return;
     Detector &d = block.as<Detector>();
     if (block.type == kTypeValueSampler) return sample(d, samples);
@@ -554,12 +554,7 @@ std::vector<uint8_t> renderAudio(Call &call, Object &block, uint32_t capacity) {
         for (int16_t &s : samples) s = g.source->next();
     if (!samples.empty()) g.last = samples.back();
     if (!g.recorded) play(call.board, block, samples);
-    std::vector<uint8_t> bytes(samples.size() * 2);
-    for (size_t i = 0; i < samples.size(); ++i) {
-        bytes[2 * i] = static_cast<uint8_t>(samples[i]);
-        bytes[2 * i + 1] = static_cast<uint8_t>(static_cast<uint16_t>(samples[i]) >> 8);
-    }
-    return bytes;
+    return signal::toLittleEndian(samples);
 }
 
 // Attribute 31 of a detector or sampler: samples (little-endian, an even
@@ -567,10 +562,8 @@ std::vector<uint8_t> renderAudio(Call &call, Object &block, uint32_t capacity) {
 uint32_t receiveAudio(Call &call, Object &block, std::span<const uint8_t> value) {
     if (!isReceiver(block.type)) return VB_FAILURE(kNotProvided);
     if (value.size() % 2 != 0 || value.size() > kAudioBytes) return VB_FAILURE(kOutOfRange);
-    std::vector<int16_t> samples(value.size() / 2);
-    for (size_t i = 0; i < samples.size(); ++i)
-        samples[i] = static_cast<int16_t>(value[2 * i] | (value[2 * i + 1] << 8));
-    clocked(call.board, samples, [&](std::span<const int16_t> chunk) { toneReceive(call.board, block, chunk); });
+    const std::vector<int16_t> samples = signal::fromLittleEndian(value);
+    clocked(call.board, samples, [&](std::span<const int16_t> chunk) { toneReceive(call.board, block, chunk, 0); });
     return 0;
 }
 

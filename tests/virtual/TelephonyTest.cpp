@@ -184,6 +184,24 @@ TEST_F(VirtualBoardTest, DialledDigitsReachTheDtmfDetector) {
     EXPECT_TRUE(digits.drain(0x0500).empty());
 }
 
+TEST_F(VirtualBoardTest, MixerPassesOnItsInputsAtTheirGains) {
+    const DeviceHandle listed = block(kDialler), muted = block(kDialler), other = block(kDialler);
+    const DeviceHandle mixer = block(kMixer), detector = block(kDtmfDetector);
+    for (DeviceHandle dialler : {listed, muted, other}) {
+        ASSERT_EQ(RynCstDtmfDialerInit(dialler, 0), 0u);
+        ASSERT_EQ(RynDrvConnectLogicalDevice(dialler, 0, mixer, 0), 0u);
+    }
+    ASSERT_EQ(RynDrvConnectLogicalDevice(mixer, 0, detector, 0), 0u);
+    ASSERT_EQ(RynCstDtmfDetectorInit(detector, 0, 0), 0u);
+    const uint32_t inputs[] = {listed, muted};
+    const uint16_t gains[] = {512, 0};
+    ASSERT_EQ(RynCstVoiceMixerInitEX(mixer, inputs, 0, gains, 0, 2), 0u);
+    EventListener digits(detector);
+    for (const auto &[dialler, key] : {std::pair(listed, "1"), {muted, "2"}, {other, "3"}})
+        ASSERT_EQ(RynCstDtmfDial(dialler, key, 1, 0, 0), 0u);
+    EXPECT_EQ(digits.drain(0x0500), (Values{{'1', 0}}));  // muted and unlisted inputs are not heard
+}
+
 TEST_F(VirtualBoardTest, DspPotsBlockKeepsItsHookAndDaa) {
     const DeviceHandle line = block(kDspPots);
     EventListener hooks(line);
