@@ -72,10 +72,10 @@ std::vector<uint32_t> frequencies(const char *text) {
 bool startsWith(const char *text, const char *prefix) { return std::strncmp(text, prefix, std::strlen(prefix)) == 0; }
 
 // Sets up the source a recording names; false (and why printed) when it cannot.
-bool setUpSource(const char *spec, std::unique_ptr<Block> &block) {
-    if (startsWith(spec, "dtmf:") || startsWith(spec, "mf:")) {
-        const bool dtmf = spec[0] == 'd';
-        const char *digits = std::strchr(spec, ':') + 1;
+bool setUpSource(const char *what, std::unique_ptr<Block> &block) {
+    if (startsWith(what, "dtmf:") || startsWith(what, "mf:")) {
+        const bool dtmf = what[0] == 'd';
+        const char *digits = std::strchr(what, ':') + 1;
         block = std::make_unique<Block>(dtmf ? kDtmfDialler : kMfDialler);
         if (!block->ok()) return false;
         const int32_t count = static_cast<int32_t>(std::strlen(digits));
@@ -85,10 +85,10 @@ bool setUpSource(const char *spec, std::unique_ptr<Block> &block) {
                     : check("dialler set-up", RynToneMfDiallerInit(block->handle(), 0, 0, 0, 6, 0)) &&
                           check("dial", RynToneMfDial(block->handle(), digits, count, 0, 0));
     }
-    if (startsWith(spec, "tone:")) {
-        const auto list = frequencies(spec + 5);
+    if (startsWith(what, "tone:")) {
+        const auto list = frequencies(what + 5);
         if (list.empty() || list.size() > 5) {
-            std::fprintf(stderr, "rynctl: \"%s\": give 1 to 5 frequencies below 4000 Hz, as tone:350+440\n", spec);
+            std::fprintf(stderr, "rynctl: \"%s\": give 1 to 5 frequencies below 4000 Hz, as tone:350+440\n", what);
             return false;
         }
         std::vector<SineToneParams> tones;
@@ -97,7 +97,7 @@ bool setUpSource(const char *spec, std::unique_ptr<Block> &block) {
         return block->ok() && check("generator set-up", RynToneSineWaveGeneratorInit(block->handle(), 0, tones.data(),
                                                                                       static_cast<int32_t>(tones.size()), 0));
     }
-    std::fprintf(stderr, "rynctl: \"%s\" names no source (dtmf:DIGITS, mf:DIGITS or tone:HZ[+HZ...])\n", spec);
+    std::fprintf(stderr, "rynctl: \"%s\" names no source (dtmf:DIGITS, mf:DIGITS or tone:HZ[+HZ...])\n", what);
     return false;
 }
 
@@ -115,7 +115,7 @@ int recordUsage(FILE *to) {
 }  // namespace
 
 int record(int argc, char **argv) {
-    const char *spec = nullptr, *path = nullptr;
+    const char *what = nullptr, *path = nullptr;
     uint32_t seconds = 1;
     for (int i = 0; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help") == 0) return recordUsage(stdout);
@@ -123,8 +123,8 @@ int record(int argc, char **argv) {
             const auto value = parseNumber(argv[++i]);
             if (!value || *value == 0 || *value > kLongestRecording) return recordUsage(stderr);
             seconds = *value;
-        } else if (argv[i][0] != '-' && spec == nullptr) {
-            spec = argv[i];
+        } else if (argv[i][0] != '-' && what == nullptr) {
+            what = argv[i];
         } else if (argv[i][0] != '-' && path == nullptr) {
             path = argv[i];
         } else {
@@ -135,7 +135,7 @@ int record(int argc, char **argv) {
     Session session;
     if (!session.ok()) return 1;
     std::unique_ptr<Block> block;
-    if (!setUpSource(spec, block)) return 1;
+    if (!setUpSource(what, block)) return 1;
     std::vector<int16_t> samples(static_cast<size_t>(seconds) * wav::kSampleRate);
     for (size_t done = 0; done < samples.size();) {
         const uint32_t count = static_cast<uint32_t>(std::min<size_t>(kChunkSamples, samples.size() - done));
@@ -155,7 +155,7 @@ int record(int argc, char **argv) {
     }
     double energy = 0;
     for (int16_t s : samples) energy += static_cast<double>(s) * s;
-    std::printf("%s: %zu samples (%u s at 8000 Hz) from %s, RMS %.0f\n", path, samples.size(), seconds, spec,
+    std::printf("%s: %zu samples (%u s at 8000 Hz) from %s, RMS %.0f\n", path, samples.size(), seconds, what,
                 std::sqrt(energy / static_cast<double>(samples.size())));
     return 0;
 }
@@ -163,31 +163,31 @@ int record(int argc, char **argv) {
 namespace {
 
 // Sets up the detector a playback names.
-bool setUpDetector(const char *spec, std::unique_ptr<Block> &block) {
+bool setUpDetector(const char *what, std::unique_ptr<Block> &block) {
     const struct {
         const char *name;
         int32_t type;
     } kDetectors[] = {{"dtmf", kDtmfDetector}, {"mf", kMfDetector}, {"dialtone", kDialtoneDetector},
                       {"silence", kSilenceDetector}};
     for (const auto &d : kDetectors) {
-        if (std::strcmp(spec, d.name) != 0) continue;
+        if (std::strcmp(what, d.name) != 0) continue;
         block = std::make_unique<Block>(d.type);
         return block->ok();  // the detectors' defaults
     }
     // FSK at 1200 baud: Bell 202, or V.23 with ":v23".
-    const bool v23 = std::strstr(spec, ":v23") != nullptr;
-    if (std::strcmp(spec, "fsk") == 0 || std::strcmp(spec, "fsk:v23") == 0) {
+    const bool v23 = std::strstr(what, ":v23") != nullptr;
+    if (std::strcmp(what, "fsk") == 0 || std::strcmp(what, "fsk:v23") == 0) {
         block = std::make_unique<Block>(kFskDetector);
         return block->ok() && check("detector set-up", RynToneFskDetectorInit(block->handle(), v23));
     }
-    if (std::strcmp(spec, "callerid") == 0 || std::strcmp(spec, "callerid:v23") == 0) {
+    if (std::strcmp(what, "callerid") == 0 || std::strcmp(what, "callerid:v23") == 0) {
         block = std::make_unique<Block>(kCallerIdDetector);
         return block->ok() && check("detector set-up", RynCstCidDetectorInit(block->handle(), v23, 0));
     }
-    if (startsWith(spec, "tone:")) {
-        const auto list = frequencies(spec + 5);
+    if (startsWith(what, "tone:")) {
+        const auto list = frequencies(what + 5);
         if (list.empty() || list.size() > 6) {
-            std::fprintf(stderr, "rynctl: \"%s\": give 1 to 6 frequencies below 4000 Hz, as tone:1000,1400\n", spec);
+            std::fprintf(stderr, "rynctl: \"%s\": give 1 to 6 frequencies below 4000 Hz, as tone:1000,1400\n", what);
             return false;
         }
         block = std::make_unique<Block>(kSingleDetector);
@@ -198,7 +198,7 @@ bool setUpDetector(const char *spec, std::unique_ptr<Block> &block) {
     std::fprintf(stderr,
                  "rynctl: \"%s\" names no detector (dtmf, mf, dialtone, silence, fsk[:v23], callerid[:v23] or "
                  "tone:HZ[,HZ...])\n",
-                 spec);
+                 what);
     return false;
 }
 

@@ -63,22 +63,22 @@ const char *typeName(int32_t type) {
     return nullptr;
 }
 
-std::optional<DeviceHandle> findDevice(const char *spec) {
-    if (auto handle = parseNumber(spec)) return *handle;
-    const char *colon = std::strchr(spec, ':');
+std::optional<DeviceHandle> findDevice(const char *what) {
+    if (auto handle = parseNumber(what)) return *handle;
+    const char *colon = std::strchr(what, ':');
     const auto number = colon != nullptr ? parseNumber(colon + 1) : std::nullopt;
     for (const TypeName &t : kTypeNames) {
-        if (colon == nullptr || !number || std::strncmp(spec, t.name, static_cast<size_t>(colon - spec)) != 0 ||
-            std::strlen(t.name) != static_cast<size_t>(colon - spec))
+        if (colon == nullptr || !number || std::strncmp(what, t.name, static_cast<size_t>(colon - what)) != 0 ||
+            std::strlen(t.name) != static_cast<size_t>(colon - what))
             continue;
         DeviceHandle handle = 0;
         const ResultCode result = RynDrvGetDeviceHandle_16(0, t.type, *number, &handle);
         if (RynSuccess(result)) return handle;
-        std::fprintf(stderr, "rynctl: the board has no device \"%s\"\n", spec);
+        std::fprintf(stderr, "rynctl: the board has no device \"%s\"\n", what);
         return std::nullopt;
     }
     std::fprintf(stderr, "rynctl: \"%s\" names no device (TYPE:NUMBER with TYPE board, t1e1, dsp, hdlc, raw, burst, "
-                         "pots, slic or jtag, or a driver handle)\n", spec);
+                         "pots, slic or jtag, or a driver handle)\n", what);
     return std::nullopt;
 }
 
@@ -153,8 +153,8 @@ int list(int argc, char **argv) {
             char name[64] = {};
             readText(handle, 3, name, sizeof name);
             const char *kind = typeName(type);
-            const std::string spec = kind != nullptr ? std::string(kind) + ":" + std::to_string(id) : "-";
-            std::printf("0x%08X  %-8s  type %-3d  %-22s  state %u\n", handle, spec.c_str(), type, name,
+            const std::string what = kind != nullptr ? std::string(kind) + ":" + std::to_string(id) : "-";
+            std::printf("0x%08X  %-8s  type %-3d  %-22s  state %u\n", handle, what.c_str(), type, name,
                         readWord(handle, 4));
         }
     }
@@ -264,7 +264,7 @@ void printEvent(const EventData &record) {
 }
 
 int events(int argc, char **argv) {
-    const char *spec = nullptr;
+    const char *what = nullptr;
     uint32_t count = 0, timeout = 1000;
     for (int i = 0; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help") == 0) return eventsUsage(stdout);
@@ -275,16 +275,16 @@ int events(int argc, char **argv) {
         } else if (std::strcmp(argv[i], "--timeout") == 0 && value != 0xFFFFFFFFu) {
             timeout = value;
             ++i;
-        } else if (spec == nullptr && argv[i][0] != '-') {
-            spec = argv[i];
+        } else if (what == nullptr && argv[i][0] != '-') {
+            what = argv[i];
         } else {
             return eventsUsage(stderr);
         }
     }
-    if (spec == nullptr) return eventsUsage(stderr);
+    if (what == nullptr) return eventsUsage(stderr);
     Session session;
     if (!session.ok()) return 1;
-    const auto device = std::strcmp(spec, "0") == 0 ? std::optional<DeviceHandle>(0) : findDevice(spec);
+    const auto device = std::strcmp(what, "0") == 0 ? std::optional<DeviceHandle>(0) : findDevice(what);
     if (!device) return 1;
     OsaHandle event = 0;
     DeviceHandle queue = 0;
@@ -329,13 +329,13 @@ int loadUsage(FILE *to) {
 }  // namespace
 
 int load(int argc, char **argv) {
-    const char *spec = nullptr, *path = nullptr, *entry = nullptr;
+    const char *what = nullptr, *path = nullptr, *entry = nullptr;
     for (int i = 0; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help") == 0) return loadUsage(stdout);
         if (std::strcmp(argv[i], "--entry") == 0 && i + 1 < argc) {
             entry = argv[++i];
-        } else if (argv[i][0] != '-' && spec == nullptr) {
-            spec = argv[i];
+        } else if (argv[i][0] != '-' && what == nullptr) {
+            what = argv[i];
         } else if (argv[i][0] != '-' && path == nullptr) {
             path = argv[i];
         } else {
@@ -345,7 +345,7 @@ int load(int argc, char **argv) {
     if (path == nullptr) return loadUsage(stderr);
     Session session;
     if (!session.ok()) return 1;
-    const auto device = findDevice(spec);
+    const auto device = findDevice(what);
     if (!device) return 1;
     const ResultCode result = RynDspRunProgram(*device, path, entry);
     printResult("load and start", result);

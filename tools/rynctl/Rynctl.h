@@ -41,7 +41,7 @@ private:
 // A device named on the command line: a driver handle (0x10000004), or
 // TYPE:NUMBER with TYPE one of board, t1e1, dsp, hdlc, raw, burst, pots,
 // slic, jtag (dsp:1, hdlc:0). Prints why when it names none.
-std::optional<DeviceHandle> findDevice(const char *spec);
+std::optional<DeviceHandle> findDevice(const char *what);
 // The device tree's type names, by device type; nullptr for another type.
 const char *typeName(int32_t type);
 void printEvent(const EventData &record);
