@@ -78,13 +78,14 @@ constexpr uint32_t kCoreFirst = 0x80A;
 constexpr uint32_t kCoreLast = 0x8D5;
 constexpr uint32_t kSmallestReply = 12;
 
-// A failure found before the request's reply layout is known: the code goes
-// where the library looks in the common reply (offset 8) and where it looks
-// in every reply whose code comes last. Nothing else is written, so the
-// caller's blocks keep their content.
-int refuse(const RynDriverRequest &request, uint32_t code, uint32_t *returned) {
+// A failure answered without running the request: the code goes where the
+// library looks in the common reply (offset 8), where it looks in every reply
+// whose code comes last, and, when the request is known, at its own result
+// offset. Nothing else is written, so the caller's blocks keep their content.
+int refuse(const RynDriverRequest &request, uint32_t code, uint32_t *returned, const Row *row = nullptr) {
     Output out(static_cast<uint8_t *>(request.output), request.outputLength);
     out.u32(8, code).u32((request.outputLength - 4) & ~1u, code);
+    if (row != nullptr && row->resultOffset != kResultLast) out.u32(row->resultOffset, code);
     *returned = request.outputLength;
     return 1;
 }
@@ -119,7 +120,7 @@ int answer(Board &board, const RynDriverRequest &request, uint32_t *returned) {
     if (row == nullptr) return refuse(request, VB_FAILURE(kNotProvided), returned);
     const bool lengthFits = row->minimumLength ? in.length() >= row->requestLength : in.length() == row->requestLength;
     if (!lengthFits || request.outputLength < row->replyLength)
-        return refuse(request, VB_FAILURE(kLengthMismatch), returned);
+        return refuse(request, VB_FAILURE(kLengthMismatch), returned, row);
 
     const uint32_t replyLength = row->replyLength;
     std::memset(request.output, 0, replyLength);

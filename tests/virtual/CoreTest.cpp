@@ -141,6 +141,10 @@ TEST_F(VirtualBoardTest, LyingRequestsAreAnsweredWithFailures) {
     const uint32_t bogus = 0x70000001;
     std::memcpy(request + 16, &bogus, 4);
     EXPECT_EQ(errorOf(send(0x99A, 20, 12)), 11u);
+    send(0x870, 20, 12);  // the handle lookup's code stands at offset 4 of its reply
+    uint32_t atFour = 0;
+    std::memcpy(&atFour, reply + 4, 4);
+    EXPECT_EQ(errorOf(atFour), 12u);
 }
 
 // Requests of every function number, of random bytes and lengths, to objects
