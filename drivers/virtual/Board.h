@@ -287,6 +287,12 @@ std::span<const Attribute> familyAttributes(Family family);
 std::vector<uint8_t> textValue(const std::string &text);
 std::vector<uint8_t> wordValue(uint32_t value);
 
+// The getter of an attribute that is one 32-bit field of a family's state.
+template <typename State, uint32_t State::*Field>
+std::vector<uint8_t> fieldValue(Call &, Object &object, uint32_t) {
+    return wordValue(object.as<State>().*Field);
+}
+
 // ---- The board ------------------------------------------------------------
 
 struct EventQueue;

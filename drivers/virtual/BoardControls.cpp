@@ -51,11 +51,6 @@ constexpr Row kRows[] = {
     {0x99C, 24, 12, codecSetLaw},
 };
 
-template <uint32_t Controls::*Field>
-std::vector<uint8_t> word(Call &, Object &object, uint32_t) {
-    return wordValue(object.as<Controls>().*Field);
-}
-
 // Four bytes per constant slot, in stream and slot order: stream, slot, the
 // byte, 0.
 std::vector<uint8_t> constants(Call &, Object &object, uint32_t) {
@@ -66,9 +61,9 @@ std::vector<uint8_t> constants(Call &, Object &object, uint32_t) {
 }
 
 const Attribute kAttributes[] = {
-    {40, 2, word<&Controls::clockSource>, nullptr},
-    {41, 2, word<&Controls::clockMode>, nullptr},
-    {42, 2, word<&Controls::law>, nullptr},
+    {40, 2, fieldValue<Controls, &Controls::clockSource>, nullptr},
+    {41, 2, fieldValue<Controls, &Controls::clockMode>, nullptr},
+    {42, 2, fieldValue<Controls, &Controls::law>, nullptr},
     {43, 3, constants, nullptr},
 };
 

@@ -118,11 +118,6 @@ std::vector<uint8_t> waiting(Call &, Object &object, uint32_t) {
     return wordValue(channel.full ? static_cast<uint32_t>(channel.block.size()) : 0u);
 }
 
-template <uint32_t BurstChannel::*Counter>
-std::vector<uint8_t> counter(Call &, Object &object, uint32_t) {
-    return wordValue(channelOf(object).*Counter);
-}
-
 std::vector<uint8_t> limit(Call &, Object &, uint32_t) { return wordValue(kBlockLimit); }
 
 std::vector<uint8_t> preloaded(Call &, Object &object, uint32_t) {
@@ -131,8 +126,8 @@ std::vector<uint8_t> preloaded(Call &, Object &object, uint32_t) {
 
 const Attribute kAttributes[] = {
     {100, 2, waiting, nullptr},
-    {101, 2, counter<&BurstChannel::sent>, nullptr},
-    {102, 2, counter<&BurstChannel::overwritten>, nullptr},
+    {101, 2, fieldValue<BurstChannel, &BurstChannel::sent>, nullptr},
+    {102, 2, fieldValue<BurstChannel, &BurstChannel::overwritten>, nullptr},
     {103, 2, limit, nullptr},
     {104, 2, preloaded, nullptr},
 };

@@ -37,15 +37,10 @@ constexpr Row kRows[] = {
     {0x99A, 28, 12, converterInit},
 };
 
-template <uint32_t Converter::*Field>
-std::vector<uint8_t> word(Call &, Object &object, uint32_t) {
-    return wordValue(object.as<Converter>().*Field);
-}
-
 const Attribute kAttributes[] = {
-    {40, 2, word<&Converter::setUp>, nullptr},
-    {41, 2, word<&Converter::conversion>, nullptr},
-    {42, 2, word<&Converter::blockSamples>, nullptr},
+    {40, 2, fieldValue<Converter, &Converter::setUp>, nullptr},
+    {41, 2, fieldValue<Converter, &Converter::conversion>, nullptr},
+    {42, 2, fieldValue<Converter, &Converter::blockSamples>, nullptr},
 };
 
 }  // namespace

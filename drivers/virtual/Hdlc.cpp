@@ -293,11 +293,6 @@ constexpr Row kHdlc[] = {
 
 // ---- Attributes -------------------------------------------------------------
 
-template <uint32_t HdlcChannel::*Counter>
-std::vector<uint8_t> counter(Call &, Object &object, uint32_t) {
-    return wordValue(channelOf(object).*Counter);
-}
-
 std::vector<uint8_t> framesQueued(Call &, Object &object, uint32_t) {
     return wordValue(static_cast<uint32_t>(channelOf(object).queue.size()));
 }
@@ -317,12 +312,12 @@ std::vector<uint8_t> queueCapacity(Call &, Object &, uint32_t) { return wordValu
 
 const Attribute kAttributes[] = {
     {100, 2, framesQueued, nullptr},
-    {101, 2, counter<&HdlcChannel::dropped>, nullptr},
-    {102, 2, counter<&HdlcChannel::sent>, nullptr},
-    {103, 2, counter<&HdlcChannel::received>, nullptr},
+    {101, 2, fieldValue<HdlcChannel, &HdlcChannel::dropped>, nullptr},
+    {102, 2, fieldValue<HdlcChannel, &HdlcChannel::sent>, nullptr},
+    {103, 2, fieldValue<HdlcChannel, &HdlcChannel::received>, nullptr},
     {104, 1, crossConnect, setCrossConnect},
     {105, 2, queueCapacity, nullptr},
-    {106, 2, counter<&HdlcChannel::filtered>, nullptr},
+    {106, 2, fieldValue<HdlcChannel, &HdlcChannel::filtered>, nullptr},
 };
 
 }  // namespace

@@ -142,11 +142,6 @@ constexpr Row kRawData[] = {
     {0x9A1, 34, 12, senderInitEx},
 };
 
-template <uint32_t RawChannel::*Counter>
-std::vector<uint8_t> counter(Call &, Object &object, uint32_t) {
-    return wordValue(channelOf(object).*Counter);
-}
-
 std::vector<uint8_t> bytesWaiting(Call &, Object &object, uint32_t) {
     return wordValue(static_cast<uint32_t>(channelOf(object).waiting.size()));
 }
@@ -155,9 +150,9 @@ std::vector<uint8_t> capacity(Call &, Object &, uint32_t) { return wordValue(kRe
 
 const Attribute kAttributes[] = {
     {100, 2, bytesWaiting, nullptr},
-    {101, 2, counter<&RawChannel::dropped>, nullptr},
-    {102, 2, counter<&RawChannel::sent>, nullptr},
-    {103, 2, counter<&RawChannel::received>, nullptr},
+    {101, 2, fieldValue<RawChannel, &RawChannel::dropped>, nullptr},
+    {102, 2, fieldValue<RawChannel, &RawChannel::sent>, nullptr},
+    {103, 2, fieldValue<RawChannel, &RawChannel::received>, nullptr},
     {104, 2, capacity, nullptr},
 };
 
