@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Installs the build tools and libraries when they are missing (Debian; needs root).
-# With "build" only what building the library, the board and rynctl needs.
+#   setup-deps.sh          everything the build and the tests need
+#   setup-deps.sh build    only what building the library, the board and rynctl needs
+#   setup-deps.sh docs     that, and Doxygen for the API reference (the `docs` target)
 set -eu
-only_build=0
-[ "${1:-}" = build ] && only_build=1
+mode=${1:-all}
 need=()
 command -v cmake >/dev/null || need+=(cmake)
 command -v ninja >/dev/null || need+=(ninja-build)
@@ -11,10 +12,17 @@ command -v g++ >/dev/null || need+=(g++)
 command -v nm >/dev/null || need+=(binutils)
 command -v pkg-config >/dev/null || need+=(pkgconf)
 command -v cc >/dev/null || need+=(gcc)
-if [ $only_build = 0 ]; then
+# rynctl: its command-line parser and the audio file libraries
+[ -f /usr/include/CLI/CLI.hpp ] || need+=(libcli11-dev)
+[ -f /usr/include/sndfile.h ] || need+=(libsndfile1-dev)
+[ -f /usr/include/samplerate.h ] || need+=(libsamplerate0-dev)
+if [ "$mode" = all ]; then
   [ -f /usr/include/gtest/gtest.h ] || need+=(libgtest-dev)
   [ -f /usr/include/gmock/gmock.h ] || need+=(libgmock-dev)
   [ -f /usr/include/benchmark/benchmark.h ] || need+=(libbenchmark-dev)
+fi
+if [ "$mode" = docs ]; then
+  command -v doxygen >/dev/null || need+=(doxygen)
 fi
 if [ ${#need[@]} -gt 0 ]; then
   if [ "$(id -u)" -ne 0 ]; then
