@@ -17,10 +17,11 @@ uint32_t RYN_DECORATED(RynResultErrorCode, 4)(ResultCode code) { return code & 0
 
 void RYN_DECORATED(RynResultCode, 20)(ResultCode code, uint32_t *errorCode, uint32_t *severity, uint32_t *sourceId,
                                       uint32_t *lineNum) {
-    *errorCode = ryn::reduceToErrorNumber(code);
-    *severity = code >> 31;
-    *sourceId = (code >> 23) & 0xFFu;
-    *lineNum = (code >> 8) & 0x7FFFu;
+    // Each part is written only where the caller asked for it.
+    if (errorCode != nullptr) *errorCode = ryn::reduceToErrorNumber(code);
+    if (severity != nullptr) *severity = code >> 31;
+    if (sourceId != nullptr) *sourceId = (code >> 23) & 0xFFu;
+    if (lineNum != nullptr) *lineNum = (code >> 8) & 0x7FFFu;
 }
 
 }  // extern "C"

@@ -54,6 +54,7 @@ ResultCode RYN_DECORATED(RynDrvGetHandle, 4)(OsaHandle *handle) {
     using namespace ryn;
     const OsaHandle current = connection.load(std::memory_order_relaxed);
     if (current == INVALID_HANDLE_VALUE) return RYN_FAILURE(kErrNotConnected);
+    if (handle == nullptr) return RYN_FAILURE(kErrNullPointer);
     *handle = current;
     return 0;
 }

@@ -57,6 +57,8 @@ ResultCode libraryAttributeType(int32_t id, uint32_t *type, uint32_t *size, uint
 }
 
 ResultCode libraryAttributeValue(int32_t id, void *buffer, uint32_t bufferLength, uint32_t *returnedLength) {
+    uint32_t ignored = 0;
+    if (returnedLength == nullptr) returnedLength = &ignored;
     *returnedLength = 0;
     if (bufferLength < 4) return RYN_FAILURE(kErrRange);
     const LibraryAttribute *attribute = findLibraryAttribute(id);
@@ -98,6 +100,7 @@ extern "C" {
 
 ResultCode RYN_DECORATED(RynDrvGetAttributeType, 20)(DeviceHandle handle, int32_t attribute, uint32_t *type,
                                                      uint32_t *size, uint32_t *flags) {
+    if (type == nullptr || size == nullptr || flags == nullptr) return RYN_FAILURE(kErrNullPointer);
     if (handle == RYN_LIBRARY_PSEUDO_HANDLE) return libraryAttributeType(attribute, type, size, flags);
     Request<24, 24> request(0x817);
     request.put<16>(handle).put<20>(static_cast<uint32_t>(attribute));
@@ -110,6 +113,8 @@ ResultCode RYN_DECORATED(RynDrvGetAttributeType, 20)(DeviceHandle handle, int32_
 
 ResultCode RYN_DECORATED(RynDrvGetAttributeValue, 20)(DeviceHandle handle, int32_t attribute, void *buffer,
                                                       uint32_t bufferLength, uint32_t *returnedLength) {
+    // The length read may be skipped; a buffer is needed when it has a length.
+    if (buffer == nullptr && bufferLength != 0) return RYN_FAILURE(kErrNullPointer);
     if (handle == RYN_LIBRARY_PSEUDO_HANDLE) {
         return libraryAttributeValue(attribute, buffer, bufferLength, returnedLength);
     }
@@ -117,11 +122,13 @@ ResultCode RYN_DECORATED(RynDrvGetAttributeValue, 20)(DeviceHandle handle, int32
 }
 
 ResultCode RYN_DECORATED(RynDrvGetAttributeValueBool, 12)(DeviceHandle handle, int32_t attribute, uint32_t *value) {
+    if (value == nullptr) return RYN_FAILURE(kErrNullPointer);
     uint32_t returned = 0;
     return RYN_DECORATED(RynDrvGetAttributeValue, 20)(handle, attribute, value, 4, &returned);
 }
 
 ResultCode RYN_DECORATED(RynDrvGetAttributeValueUint32, 12)(DeviceHandle handle, int32_t attribute, uint32_t *value) {
+    if (value == nullptr) return RYN_FAILURE(kErrNullPointer);
     uint32_t returned = 0;
     return RYN_DECORATED(RynDrvGetAttributeValue, 20)(handle, attribute, value, 4, &returned);
 }
@@ -134,6 +141,7 @@ ResultCode RYN_DECORATED(RynDrvGetAttributeValueSz, 16)(DeviceHandle handle, int
 
 ResultCode RYN_DECORATED(RynDrvSetAttributeValue, 16)(DeviceHandle handle, int32_t attribute, const void *value,
                                                       uint32_t valueLength) {
+    if (value == nullptr && valueLength != 0) return RYN_FAILURE(kErrNullPointer);
     // Request: handle at 16, identifier at 20, value length at 24, the value
     // at 28 and one spare byte.
     constexpr uint32_t kRequestOverhead = 29;
@@ -158,6 +166,7 @@ ResultCode RYN_DECORATED(RynDrvSetAttributeValueUint32, 12)(DeviceHandle handle,
 }
 
 ResultCode RYN_DECORATED(RynDrvSetAttributeValueSz, 12)(DeviceHandle handle, int32_t attribute, const char *text) {
+    if (text == nullptr) return RYN_FAILURE(kErrNullPointer);
     return RYN_DECORATED(RynDrvSetAttributeValue, 16)(handle, attribute, text,
                                                       static_cast<uint32_t>(std::strlen(text)) + 1);
 }

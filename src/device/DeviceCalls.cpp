@@ -36,13 +36,18 @@ using namespace ryn;
 extern "C" {
 
 ResultCode RYN_DECORATED(RynDrvIteratorBegin, 4)(int32_t *iterator) {
+    if (iterator == nullptr) return RYN_FAILURE(kErrNullPointer);
     *iterator = 0;
     return 0;
 }
 
-int32_t RYN_DECORATED(RynDrvIsIteratorEnd, 4)(const int32_t *iterator) { return *iterator != -1 ? 1 : 0; }
+int32_t RYN_DECORATED(RynDrvIsIteratorEnd, 4)(const int32_t *iterator) {
+    // Without an iterator there is nothing to go on with.
+    return iterator != nullptr && *iterator != -1 ? 1 : 0;
+}
 
 ResultCode RYN_DECORATED(RynDrvEnumDeviceType, 12)(DeviceHandle parent, int32_t *iterator, int32_t *deviceType) {
+    if (iterator == nullptr || deviceType == nullptr) return RYN_FAILURE(kErrNullPointer);
     Request<24, 20> request(0x80A);
     request.put<16>(parent).put<20>(static_cast<uint32_t>(*iterator));
     const ResultCode result = request.send();
@@ -53,6 +58,7 @@ ResultCode RYN_DECORATED(RynDrvEnumDeviceType, 12)(DeviceHandle parent, int32_t 
 
 ResultCode RYN_DECORATED(RynDrvEnumDevice, 16)(DeviceHandle parent, int32_t deviceType, int32_t *iterator,
                                                uint32_t *deviceId) {
+    if (iterator == nullptr || deviceId == nullptr) return RYN_FAILURE(kErrNullPointer);
     Request<28, 20> request(0x80B);
     request.put<16>(parent).put<20>(static_cast<uint32_t>(deviceType)).put<24>(static_cast<uint32_t>(*iterator));
     const ResultCode result = request.send();
@@ -76,6 +82,7 @@ ResultCode RYN_DECORATED(RynDrvGetDeviceHandle, 16)(DeviceHandle parent, int32_t
 
 ResultCode RYN_DECORATED(RynDrvOpenPhysicalDevice, 24)(uint32_t param1, uint32_t param2, uint32_t param3,
                                                        uint32_t param4, uint32_t param5, DeviceHandle *physicalDevice) {
+    if (physicalDevice == nullptr) return RYN_FAILURE(kErrNullPointer);
     Request<36, 16> request(0x871);
     // The fourth and fifth arguments change places in the request.
     request.put<16>(param1).put<20>(param2).put<24>(param3).put<28>(param5).put<32>(param4);
@@ -93,6 +100,7 @@ ResultCode RYN_DECORATED(RynDrvOpenPhysicalDeviceEx, 12)(uint32_t param1, uint32
 ResultCode RYN_DECORATED(RynDrvCreateLogicalDevice, 20)(DeviceHandle physicalDevice, int32_t deviceType,
                                                         uint32_t param3, uint32_t param4, DeviceHandle *logicalDevice) {
     if (!isPhysicalDevice(physicalDevice)) return RYN_FAILURE(kErrInvalidHandle);
+    if (logicalDevice == nullptr) return RYN_FAILURE(kErrNullPointer);
     Request<36, 16> request(0x872);
     request.put<16>(physicalDevice).put<20>(static_cast<uint32_t>(deviceType)).put<24>(param3);
     request.put<28>(driverHandle()).put<32>(param4);
@@ -103,6 +111,7 @@ ResultCode RYN_DECORATED(RynDrvCreateLogicalDevice, 20)(DeviceHandle physicalDev
 }
 
 ResultCode RYN_DECORATED(RynDrvCreatePipe, 8)(uint32_t param1, DeviceHandle *pipe) {
+    if (pipe == nullptr) return RYN_FAILURE(kErrNullPointer);
     Request<24, 16> request(0x874);
     request.put<16>(param1).put<20>(driverHandle());
     const ResultCode result = request.send();
@@ -161,6 +170,7 @@ ResultCode RYN_DECORATED(RynDrvDisable, 12)(DeviceHandle handle, uint32_t param2
 
 ResultCode RYN_DECORATED(RynDrvGetState, 8)(DeviceHandle handle, uint32_t *state) {
     if (handle == 0) return RYN_FAILURE(kErrInvalidHandle);
+    if (state == nullptr) return RYN_FAILURE(kErrNullPointer);
     Request<20, 16> request(0x816);
     request.put<16>(handle);
     const ResultCode result = request.send();

@@ -52,6 +52,7 @@ ResultCode RYN_DECORATED(RynDrvWaitForSingleEvent, 8)(OsaHandle event, uint32_t 
 
 ResultCode RYN_DECORATED(RynDrvWaitForMultipleEvents, 20)(uint32_t count, const OsaHandle *events, uint32_t timeoutMs,
                                                           int32_t waitAll, uint32_t *index) {
+    if (events == nullptr && count != 0) return RYN_FAILURE(kErrNullPointer);
     const uint32_t wait = osa::waitForEvents(count, events, waitAll != 0, timeoutMs);
     if (wait >= osa::kWaitAbandoned0 && wait < osa::kWaitAbandoned0 + count) {
         if (index != nullptr) *index = wait - osa::kWaitAbandoned0;
@@ -68,6 +69,7 @@ ResultCode RYN_DECORATED(RynDrvWaitForMultipleEvents, 20)(uint32_t count, const 
 ResultCode RYN_DECORATED(RynDrvCancelTask, 8)(uint32_t, uint32_t) { return RYN_FAILURE(kErrNotProvided); }
 
 ResultCode RYN_DECORATED(RynDrvCreateEventQueue, 12)(uint32_t param1, uint32_t param2, DeviceHandle *queue) {
+    if (queue == nullptr) return RYN_FAILURE(kErrNullPointer);
     Request<28, 16> request(0x873);
     request.put<16>(param1).put<20>(param2).put<24>(driverHandle());
     const ResultCode result = request.send();
@@ -81,6 +83,7 @@ ResultCode RYN_DECORATED(RynDrvPollEvents, 4)(DeviceHandle handle) {
 }
 
 ResultCode RYN_DECORATED(RynDrvGetEventData, 8)(DeviceHandle handle, EventData *record) {
+    if (record == nullptr) return RYN_FAILURE(kErrNullPointer);
     Request<20, 44> request(0x8D3);
     request.put<16>(handle);
     const ResultCode result = request.send();
@@ -91,7 +94,8 @@ ResultCode RYN_DECORATED(RynDrvGetEventData, 8)(DeviceHandle handle, EventData *
 ResultCode RYN_DECORATED(RynDrvGetEventDataEx, 16)(DeviceHandle handle, EventData *records, uint32_t param3,
                                                    uint32_t *count) {
     // The driver writes the records into the caller's array, which holds
-    // param3 records.
+    // param3 records; it is the driver that refuses a null array.
+    if (count == nullptr) return RYN_FAILURE(kErrNullPointer);
     const uint64_t bytes = uint64_t{param3} * sizeof(EventData);
     Request<28, 16> request(0x8D4);
     request.put<16>(handle).putAddress<20>(records, bytes > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(bytes));
@@ -113,6 +117,7 @@ ResultCode RYN_DECORATED(RynDrvSetEventDataEx, 36)(DeviceHandle handle, uint32_t
 
 ResultCode RYN_DECORATED(RynDrvEventCode2String, 16)(DeviceHandle handle, uint32_t eventCode, uint32_t param3,
                                                      char *text) {
+    if (text == nullptr) return RYN_FAILURE(kErrNullPointer);
     Request<28, 268> request(0x812);
     // The second and third arguments change places in the request.
     request.put<16>(handle).put<20>(param3).put<24>(eventCode);

@@ -1,14 +1,19 @@
 // Registers, the driver's clock, the watchdog and diagnostics. The library
-// checks nothing here; every failure comes from the driver or the transport.
+// checks only the out pointers here; every other failure comes from the
+// driver or the transport.
 #include <cstring>
 
+#include "core/ResultCode.h"
 #include "core/Transport.h"
 
 namespace ryn {
 namespace {
 
+constexpr uint8_t kSourceId = source::kDeviceCore;
+
 // Every register width moves a 32-bit word; reads store it whatever the result.
 ResultCode readRegister(uint32_t function, DeviceHandle handle, uint32_t registerOffset, uint32_t *value) {
+    if (value == nullptr) return RYN_FAILURE(kErrNullPointer);
     Request<24, 16> request(function);
     request.put<16>(handle).put<20>(registerOffset);
     const ResultCode result = request.send();
@@ -54,6 +59,7 @@ ResultCode RYN_DECORATED(RynDrvWriteReg32, 12)(DeviceHandle handle, uint32_t reg
 }
 
 ResultCode RYN_DECORATED(RynDrvGetCurrentTime, 4)(uint64_t *time) {
+    if (time == nullptr) return RYN_FAILURE(kErrNullPointer);
     Request<20, 20> request(0x877);
     request.put<16>(RYN_DRIVER_PSEUDO_HANDLE);
     const ResultCode result = request.send();

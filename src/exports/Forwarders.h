@@ -57,8 +57,8 @@ ResultOf<Fn> forward(A... args) {
                 if (auto *type = std::get<2>(arguments); type != nullptr)
                     *type = translated(*type, compatDeviceTypeFromDriver);
             } else if constexpr (T == Translation::EventWord2) {
-                EventData *record = std::get<1>(arguments);
-                record->word[2] = translated(record->word[2], compatDeviceTypeFromDriver);
+                if (EventData *record = std::get<1>(arguments); record != nullptr)
+                    record->word[2] = translated(record->word[2], compatDeviceTypeFromDriver);
             }
             return compatResultCode(result);
         }

@@ -263,6 +263,12 @@ int32_t RYN_DECORATED(OsaDeviceClose, 4)(OsaHandle handle) {
 
 int32_t RYN_DECORATED(OsaDeviceIoControl, 28)(OsaHandle handle, uint32_t code, const void *input, uint32_t inputLength,
                                               void *output, uint32_t outputLength, uint32_t *returned) {
+    // A block that has a length needs an address: the call fails, as the
+    // system's own call does for a buffer it cannot reach.
+    if ((input == nullptr && inputLength != 0) || (output == nullptr && outputLength != 0)) {
+        if (returned != nullptr) *returned = 0;
+        return 0;
+    }
     return ryn::osa::deviceIoControl(handle, code, input, inputLength, output, outputLength, returned, nullptr, 0);
 }
 

@@ -50,7 +50,7 @@ FILE *RYN_DECORATED(OsaFileOpen, 8)(const char *name, const char *mode) {
 int32_t RYN_DECORATED(OsaFileClose, 4)(FILE *file) { return file != nullptr && std::fclose(file) == 0 ? 0 : -1; }
 
 uint32_t RYN_DECORATED(OsaFileRead, 16)(void *buffer, uint32_t size, uint32_t count, FILE *file) {
-    return file == nullptr ? 0 : static_cast<uint32_t>(std::fread(buffer, size, count, file));
+    return file == nullptr || buffer == nullptr ? 0 : static_cast<uint32_t>(std::fread(buffer, size, count, file));
 }
 
 int32_t RYN_DECORATED(OsaFileSeek, 12)(FILE *file, int32_t offset, int32_t origin) {
@@ -67,6 +67,7 @@ void RYN_DECORATED(OsaConsoleExit, 0)(void) {}
 void RYN_DECORATED(OsaConsoleInput, 4)(const char *script) { scriptCursor = script != nullptr ? script : ""; }
 
 char *RYN_DECORATED(OsaConsoleGetStr, 4)(char *buffer) {
+    if (buffer == nullptr) return nullptr;
     if (!scriptOn()) {
         // The line read of the runtime: up to the newline, which is dropped;
         // null at the end of the input before any character or on a read error.
@@ -91,10 +92,12 @@ int32_t RYN_DECORATED(OsaConsoleGetCh, 0)(void) {
 }
 
 int32_t RYN_DECORATED(OsaConsolePutStr, 4)(const char *s) {
+    if (s == nullptr) return -1;
     return std::fputs(s, stdout) >= 0 && std::fputc('\n', stdout) != EOF ? 0 : -1;
 }
 
 int32_t RYN_DECORATED(OsaConsolePrintF, 8)(const char *format, va_list arguments) {
+    if (format == nullptr) return -1;
     return std::vprintf(format, arguments);
 }
 

@@ -78,7 +78,9 @@ void RYN_DECORATED(OsaThreadSleep, 4)(uint32_t milliseconds) {
     }
 }
 
+// A null mutex is left alone by every mutex call.
 void RYN_DECORATED(OsaMutexInit, 4)(OsaMutex *mutex) {
+    if (mutex == nullptr) return;
     pthread_mutexattr_t attributes;
     pthread_mutexattr_init(&attributes);
     pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
@@ -86,11 +88,17 @@ void RYN_DECORATED(OsaMutexInit, 4)(OsaMutex *mutex) {
     pthread_mutexattr_destroy(&attributes);
 }
 
-void RYN_DECORATED(OsaMutexLock, 4)(OsaMutex *mutex) { pthread_mutex_lock(native(mutex)); }
+void RYN_DECORATED(OsaMutexLock, 4)(OsaMutex *mutex) {
+    if (mutex != nullptr) pthread_mutex_lock(native(mutex));
+}
 
-void RYN_DECORATED(OsaMutexUnlock, 4)(OsaMutex *mutex) { pthread_mutex_unlock(native(mutex)); }
+void RYN_DECORATED(OsaMutexUnlock, 4)(OsaMutex *mutex) {
+    if (mutex != nullptr) pthread_mutex_unlock(native(mutex));
+}
 
-void RYN_DECORATED(OsaMutexDestroy, 4)(OsaMutex *mutex) { pthread_mutex_destroy(native(mutex)); }
+void RYN_DECORATED(OsaMutexDestroy, 4)(OsaMutex *mutex) {
+    if (mutex != nullptr) pthread_mutex_destroy(native(mutex));
+}
 
 struct tm *RYN_DECORATED(OsaStdLocalTime, 4)(const int32_t *time) {
     thread_local struct tm result;
