@@ -1,5 +1,7 @@
-/*
- * Osa.h - the operating-system abstraction layer of RynHwDll.
+/**
+ * @file Osa.h
+ * @brief The operating-system abstraction layer of RynHwDll, and the export
+ * conventions shared by RynHwDll.h.
  *
  * Plain C (C99) interface. Every function has a decorated entry point
  * Name_N (N: the byte count of its arguments in the 32-bit calling
@@ -12,12 +14,22 @@
  * - Handles (OsaHandle) are file descriptors of this process: a device
  *   connection and an event object each own one. INVALID_HANDLE_VALUE
  *   (0xFFFFFFFF) is never a valid handle.
- * - OsaDeviceOpen(name) resolves "\\.\" + name (at most 51 characters of
+ * - OsaDeviceOpen(name) resolves `"\\.\"` + name (at most 51 characters of
  *   name): first among devices registered inside the process, then as the
- *   driver module ryn-drivers/<name in lower case>.so next to the loaded
+ *   driver module `ryn-drivers/<name in lower case>.so` next to the loaded
  *   library file (see RynUserDriver.h). Module names may hold only letters,
  *   digits, '_' and '-'. A device is opened exclusively: a second open of
  *   the same name fails while the first is open.
+ */
+
+/**
+ * @defgroup osa OS abstraction layer
+ * @brief Strings, files, console, threads, mutexes, local time and device
+ * I/O over the operating system, used by the library and exported for
+ * applications.
+ *
+ * None of these functions returns a ResultCode; each returns what its
+ * description says. Their undecorated entry points translate nothing.
  */
 #ifndef RYN_OSA_H
 #define RYN_OSA_H
@@ -33,158 +45,356 @@ extern "C" {
 
 /* ---- Export conventions shared by RynHwDll.h ---------------------------- */
 
+/**
+ * @defgroup ryn_exports Export conventions
+ * @brief How the headers declare the exported functions.
+ *
+ * Every function is declared with RYN_ENTRY or RYN_ENTRY_DECORATED; the
+ * reference shows the resulting prototype under the bare name, the name C
+ * code calls.
+ * @{
+ */
+
+/** @brief Marks a declaration as exported from the shared library. */
 #if defined(__GNUC__)
 #define RYN_API __attribute__((visibility("default")))
 #else
 #define RYN_API
 #endif
 
-/* Symbol of a decorated entry point: _Name@N on Windows, Name_N here. */
+/** @brief Symbol of a decorated entry point: `_Name@N` on Windows, `Name_N` here (N: the bytes of the arguments). */
 #define RYN_DECORATED(name, n) name##_##n
 
-/* A function with both entry points: Name_N does the work, Name forwards to
- * it (and applies the driver-version translations of RynHwDll.h). */
+/**
+ * @brief Declares a function with both entry points: `Name_N` does the work,
+ * `Name` forwards to it (and applies the driver-version translations of
+ * RynHwDll.h).
+ */
 #define RYN_ENTRY(ret, name, n, params)        \
     RYN_API ret RYN_DECORATED(name, n) params; \
     RYN_API ret name params;
 
-/* A function exported only under its decorated name; the bare name is bound
- * to the same symbol. */
+/**
+ * @brief Declares a function exported only under its decorated name; the
+ * bare name is bound to the same symbol.
+ */
 #define RYN_ENTRY_DECORATED(ret, name, n, params) \
     RYN_API ret RYN_DECORATED(name, n) params;    \
     RYN_API ret name params __asm__(#name "_" #n);
 
+/** @} */
+
 /* ---- Types -------------------------------------------------------------- */
 
+/**
+ * @defgroup osa_device Handles and device I/O
+ * @ingroup osa
+ * @brief Operating-system handles and the three device calls the request
+ * transport uses.
+ * @{
+ */
+
+/** @brief An operating-system handle: a driver connection or an event object (a file descriptor here). */
 typedef uint32_t OsaHandle;
 #ifndef INVALID_HANDLE_VALUE
+/** @brief The value of no handle; never a valid handle. */
 #define INVALID_HANDLE_VALUE ((OsaHandle)0xFFFFFFFFu)
 #endif
 
 /* ---- Device I/O --------------------------------------------------------- */
 
-/* Opens "\\.\" + name; INVALID_HANDLE_VALUE when the name is longer than 51
- * characters, unknown, refused by its driver or already open. */
+/**
+ * @brief Opens the device `\\.\` + @p name.
+ * @param name the device name, at most 51 characters (e.g. "RYNDRV").
+ * @return the connection's handle; INVALID_HANDLE_VALUE when the name is too
+ *   long, unknown, refused by its driver or already open.
+ */
 RYN_ENTRY(OsaHandle, OsaDeviceOpen, 4, (const char *name))
-/* Closes a device connection or an event object: nonzero on success, 0 for a
- * handle this layer did not give out. */
+/**
+ * @brief Closes a device connection or an event object.
+ * @param handle the handle.
+ * @return nonzero on success, 0 for a handle this layer did not give out.
+ */
 RYN_ENTRY(int32_t, OsaDeviceClose, 4, (OsaHandle handle))
-/* One synchronous device I/O control request: the driver's result, nonzero on success.
- * *returned receives the byte count the driver reports (never more than
- * outputLength). */
+/**
+ * @brief One synchronous device I/O control request.
+ * @param handle the connection.
+ * @param code the control code.
+ * @param input the request block; null with a nonzero length fails.
+ * @param inputLength its length.
+ * @param output the reply block; null with a nonzero length fails.
+ * @param outputLength its length.
+ * @param returned receives the byte count the driver reports (never more
+ *   than @p outputLength); may be null.
+ * @return the driver's result: nonzero on success.
+ */
 RYN_ENTRY(int32_t, OsaDeviceIoControl, 28,
           (OsaHandle handle, uint32_t code, const void *input, uint32_t inputLength, void *output,
            uint32_t outputLength, uint32_t *returned))
 
-/* ---- Strings (8-bit, NUL-terminated; characters compare as signed 8-bit
- *      values; ASCII-only case rules, no locale) ------------------------- */
+/** @} */
 
+/* ---- Strings ----------------------------------------------------------- */
+
+/**
+ * @defgroup osa_strings Strings
+ * @ingroup osa
+ * @brief 8-bit NUL-terminated strings: characters compare as signed 8-bit
+ * values; ASCII-only case rules, no locale.
+ *
+ * A null source string reads as the empty one; a null destination is left
+ * alone (and a function that returns its string returns null).
+ * @{
+ */
+
+/** @name Length, copy and compare */
+/** @{ */
+/**
+ * OsaStrLen(): the characters before the terminator of @p s. OsaStrCpy():
+ * copies @p s with its terminator into @p d. OsaStrCmp(): at the first pair
+ * of characters of @p s1 and @p s2 that differ, the first minus the second
+ * (signed 8-bit values), 0 when both end together; OsaStrCmpI() and
+ * OsaStrICmp() compare the characters passed through OsaToUpper().
+ */
 RYN_ENTRY(uint32_t, OsaStrLen, 4, (const char *s))
 RYN_ENTRY(void, OsaStrCpy, 8, (char *d, const char *s))
-/* Copies at most n characters; writes one terminator only when fewer than n
- * characters were copied (nothing beyond it is zero-filled); n <= 0 writes
- * nothing. */
+/**
+ * @brief Copies at most @p n characters of @p s into @p d.
+ *
+ * Writes one terminator only when fewer than @p n characters were copied
+ * (nothing beyond it is zero-filled); @p n <= 0 writes nothing.
+ * @param d the destination.
+ * @param s the source.
+ * @param n the most characters to copy.
+ */
 RYN_ENTRY(void, OsaStrNCpy, 12, (char *d, const char *s, int32_t n))
 RYN_ENTRY(int32_t, OsaStrCmp, 8, (const char *s1, const char *s2))
 RYN_ENTRY(int32_t, OsaStrCmpI, 8, (const char *s1, const char *s2))
 RYN_ENTRY_DECORATED(int32_t, OsaStrICmp, 8, (const char *s1, const char *s2))
-RYN_ENTRY(int32_t, OsaToUpper, 4, (int32_t c))
+/** @} */
+/** @name Case */
+/** @{ */
+/**
+ * OsaToUpper() and OsaStdToUpr(): @p c minus 32 for 'a' to 'z', else @p c;
+ * OsaToLower(): @p c plus 32 for 'A' to 'Z'. OsaStrUpr() and OsaStdStrUpr()
+ * turn the lower-case letters of @p s to upper case in place and return
+ * @p s.
+ */RYN_ENTRY(int32_t, OsaToUpper, 4, (int32_t c))
 RYN_ENTRY(int32_t, OsaStdToUpr, 4, (int32_t c))
 RYN_ENTRY(int32_t, OsaToLower, 4, (int32_t c))
 RYN_ENTRY_DECORATED(char *, OsaStrUpr, 4, (char *s))
 RYN_ENTRY(char *, OsaStdStrUpr, 4, (char *s))
-/* Decimal value of the digits at the very start of s: no blanks, no sign,
- * wraps modulo 2^32. */
+/** @} */
+/**
+ * @brief The decimal value of the digits at the very start of @p s: no
+ * blanks, no sign, wraps modulo 2^32; 0 when there is no digit.
+ * @param s the string.
+ */
 RYN_ENTRY(int32_t, OsaStrToI, 4, (const char *s))
-/* Overwrites the first n characters of s with c, stopping early at the
- * terminator, which stays. Returns s. */
+/**
+ * @brief Overwrites the first @p n characters of @p s with @p c, stopping
+ * early at the terminator, which stays.
+ * @param s the string.
+ * @param c the character.
+ * @param n the count.
+ * @return @p s.
+ */
 RYN_ENTRY(char *, OsaStrnSet, 12, (char *s, char c, uint32_t n))
-/* Last position of c in s; for c == '\0' the position of the terminator;
- * NULL when c does not occur. */
+/**
+ * @brief The last position of @p c in @p s.
+ * @param s the string.
+ * @param c the character; for the NUL character the position of the
+ *   terminator.
+ * @return the position, or NULL when @p c does not occur.
+ */
 RYN_ENTRY_DECORATED(char *, OsaStrRChr, 8, (const char *s, char c))
+
+/** @} */
 
 /* ---- Files (the C runtime's buffered streams) --------------------------- */
 
-/* fopen with the runtime's mode letters ("rb", ...); NULL when the file
- * cannot be opened. Other openers of the file are not locked out. */
+/**
+ * @defgroup osa_files Files
+ * @ingroup osa
+ * @brief The C runtime's buffered streams; these four exist only decorated.
+ * @{
+ */
+
+/**
+ * @brief Opens a file; other openers of the file are not locked out.
+ * @param name the file name.
+ * @param mode the runtime's mode letters ("rb", ...).
+ * @return the stream, or NULL when the file cannot be opened.
+ */
 RYN_ENTRY_DECORATED(FILE *, OsaFileOpen, 8, (const char *name, const char *mode))
-/* 0, or -1 on failure (also for a NULL file). */
+/** @brief Closes a file: 0, or -1 on failure (also for a NULL file). @param file the stream. */
 RYN_ENTRY_DECORATED(int32_t, OsaFileClose, 4, (FILE *file))
-/* Number of whole items read: fewer at the end of the file or on an error. */
+/**
+ * @brief Reads items.
+ * @param buffer receives the items.
+ * @param size the size of an item.
+ * @param count the number of items.
+ * @param file the stream.
+ * @return the number of whole items read: fewer at the end of the file or on
+ *   an error, 0 for a NULL file or buffer.
+ */
 RYN_ENTRY_DECORATED(uint32_t, OsaFileRead, 16, (void *buffer, uint32_t size, uint32_t count, FILE *file))
-/* origin: 0 start, 1 current position, 2 end; any other origin returns -1
- * and leaves the file alone. 0 on success, nonzero on failure. */
+/**
+ * @brief Moves the file position.
+ * @param file the stream.
+ * @param offset the offset in bytes.
+ * @param origin 0 the start, 1 the current position, 2 the end; any other
+ *   origin returns -1 and leaves the file alone.
+ * @return 0 on success, nonzero on failure.
+ */
 RYN_ENTRY_DECORATED(int32_t, OsaFileSeek, 12, (FILE *file, int32_t offset, int32_t origin))
+
+/** @} */
 
 /* ---- Console ------------------------------------------------------------ */
 
+/**
+ * @defgroup osa_console Console
+ * @ingroup osa
+ * @brief Standard input and output, with a scripted input mode.
+ * @{
+ */
+
+/** @name Start and end */
+/** @{ */
+/** Do nothing; kept for programs that call them around their console use. */
 RYN_ENTRY(void, OsaConsoleInit, 0, (void))
 RYN_ENTRY(void, OsaConsoleExit, 0, (void))
-/* Sets the script: '^'-separated lines that answer the next console reads
+/** @} */
+/**
+ * @brief Sets the input script.
+ *
+ * The script is '^'-separated lines that answer the next console reads
  * instead of standard input ("a^^b": a, an empty line, b; a trailing '^'
  * goes with the last line). Once the script is used up, reads come from
- * standard input again. The string is not copied: keep it alive and
- * unchanged while it is in use. An empty string (or NULL) turns the script
- * off. One process-wide script, not guarded: one user at a time. */
+ * standard input again. One process-wide script, not guarded: one user at a
+ * time.
+ * @param script the script; not copied, so keep it alive and unchanged while
+ *   it is in use. An empty string (or NULL) turns the script off.
+ */
 RYN_ENTRY(void, OsaConsoleInput, 4, (const char *script))
-/* Reads one line without its newline into buffer: the next script segment
- * up to '^' (which is stepped over) while a script is set, else a line of
- * standard input. NULL when standard input ends before any character or
- * fails.
+/**
+ * @brief Reads one line without its newline.
+ *
+ * While a script is set the line is the next script segment up to '^'
+ * (which is stepped over), else a line of standard input.
  * Hazard: the interface has no buffer size and nothing bounds the copy. The
  * buffer must hold the longest line (or script segment) that can come, plus
- * the terminator; longer input writes past it. */
+ * the terminator; longer input writes past it.
+ * @param buffer receives the line.
+ * @return @p buffer; NULL when standard input ends before any character or
+ *   fails, or for a NULL buffer.
+ */
 RYN_ENTRY(char *, OsaConsoleGetStr, 4, (char *buffer))
-/* One character as a signed 8-bit value widened to 32 bits. While a script
- * is set, its next character ('^' included); otherwise from standard input:
- * on a terminal one key without echo and without waiting for a newline (the
- * terminal's settings are restored before the call returns), else one
- * character. -1 at the end of the input. */
+/**
+ * @brief Reads one character, as a signed 8-bit value widened to 32 bits.
+ *
+ * While a script is set, its next character ('^' included); otherwise from
+ * standard input: on a terminal one key without echo and without waiting for
+ * a newline (the terminal's settings are restored before the call returns),
+ * else one character.
+ * @return the character, -1 at the end of the input.
+ */
 RYN_ENTRY(int32_t, OsaConsoleGetCh, 0, (void))
-/* Writes s and a newline to standard output: 0, or -1 on a write error. */
+/**
+ * @brief Writes @p s and a newline to standard output.
+ * @param s the text.
+ * @return 0, or -1 on a write error or for a NULL text.
+ */
 RYN_ENTRY_DECORATED(int32_t, OsaConsolePutStr, 4, (const char *s))
-/* vprintf to standard output: characters written, negative on an error.
+/**
+ * @brief Formatted output to standard output (vprintf).
+ *
  * Both entry points take a va_list the caller has prepared (va_start), not
- * the arguments themselves. */
+ * the arguments themselves.
+ * @param format the format.
+ * @param arguments the prepared argument list.
+ * @return the characters written, negative on an error (-1 for a NULL
+ *   format).
+ */
 RYN_ENTRY(int32_t, OsaConsolePrintF, 8, (const char *format, va_list arguments))
-/* There is no portable speaker: rings the terminal bell when standard output
- * is a terminal, waits for the duration and returns nonzero. */
+/**
+ * @brief Sounds a beep.
+ *
+ * There is no portable speaker: rings the terminal bell when standard output
+ * is a terminal and waits for the duration.
+ * @param frequency the frequency in Hz (not used).
+ * @param milliseconds the duration.
+ * @return nonzero.
+ */
 RYN_ENTRY(int32_t, OsaBeep, 8, (uint32_t frequency, uint32_t milliseconds))
+
+/** @} */
 
 /* ---- Threads, mutexes, time --------------------------------------------- */
 
+/**
+ * @defgroup osa_threads Threads, mutexes and time
+ * @ingroup osa
+ * @brief Detached threads, re-entrant mutexes in caller storage, sleeping
+ * and local time.
+ * @{
+ */
+
+/** @brief A thread routine: takes the context pointer, returns an exit code. */
 typedef uint32_t (*OsaThreadRoutine)(void *context);
 
-/* Starts a detached thread with the default stack size running routine
- * (OsaThreadStart: with a null context). The thread asks for the highest
- * normal priority (a nice value two below the process's); a process without
- * the privilege to raise it still gets its thread at normal priority. The
- * result is nonzero when the thread was created, 0 otherwise. */
+/** @name Threads */
+/** @{ */
+/**
+ * Start a detached thread with the default stack size running @p routine,
+ * with @p context (OsaThreadStart(): with a null context). The thread asks
+ * for the highest normal priority (a nice value two below the process's); a
+ * process without the privilege to raise it still gets its thread at normal
+ * priority. The result is nonzero when the thread was created, 0 otherwise.
+ */
 RYN_ENTRY(int32_t, OsaThreadStart, 4, (OsaThreadRoutine routine))
 RYN_ENTRY(int32_t, OsaThreadStartEx, 8, (OsaThreadRoutine routine, void *context))
-/* Suspends the calling thread for the given milliseconds. */
+/** @} */
+/** @brief Suspends the calling thread. @param milliseconds the time to sleep. */
 RYN_ENTRY(void, OsaThreadSleep, 4, (uint32_t milliseconds))
 
-/* Storage of a re-entrant mutex (a recursive pthread mutex), provided by the
- * caller; the layer never allocates. Initialise it with OsaMutexInit before
- * the first lock and destroy it with OsaMutexDestroy once unused. The owning
- * thread may lock it again; each lock needs its unlock. */
+/**
+ * @brief Storage of a re-entrant mutex (a recursive pthread mutex), provided
+ * by the caller; the layer never allocates.
+ *
+ * Initialise it with OsaMutexInit() before the first lock and destroy it with
+ * OsaMutexDestroy() once unused. The owning thread may lock it again; each
+ * lock needs its unlock.
+ */
 typedef struct OsaMutex {
+    /** Room for the platform's mutex, suitably aligned; not for the caller to read. */
     union {
         uint64_t align;
         unsigned char bytes[64];
     } storage;
 } OsaMutex;
 
+/** @name Mutexes */
+/** @{ */
+/**
+ * Initialise, lock (blocking; the owner may lock again), unlock and destroy
+ * the mutex in the caller's storage @p mutex; a NULL mutex is left alone.
+ */
 RYN_ENTRY(void, OsaMutexInit, 4, (OsaMutex *mutex))
 RYN_ENTRY(void, OsaMutexLock, 4, (OsaMutex *mutex))
 RYN_ENTRY(void, OsaMutexUnlock, 4, (OsaMutex *mutex))
 RYN_ENTRY(void, OsaMutexDestroy, 4, (OsaMutex *mutex))
-/* Local time (the process's time zone) of a calendar time in seconds since
- * 1970-01-01 00:00 UTC; NULL for a negative time or a NULL pointer. The
- * result lives in a per-thread buffer that the next call on the same thread
- * overwrites. */
+/** @} */
+/**
+ * @brief The local time (the process's time zone) of a calendar time.
+ * @param time seconds since 1970-01-01 00:00 UTC.
+ * @return the broken-down time in a per-thread buffer that the next call on
+ *   the same thread overwrites; NULL for a negative time or a NULL pointer.
+ */
 RYN_ENTRY(struct tm *, OsaStdLocalTime, 4, (const int32_t *time))
+
+/** @} */
 
 #ifdef __cplusplus
 }

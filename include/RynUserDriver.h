@@ -1,10 +1,11 @@
-/*
- * RynUserDriver.h - the interface between the library and a driver module.
+/**
+ * @file RynUserDriver.h
+ * @brief The interface between the library and a driver module.
  *
  * On this platform the board driver is reached through a driver module: a
  * shared object that the library loads when an application opens a device
  * name it does not already know. The module is looked for as
- *     <folder of the loaded library file>/ryn-drivers/<device name in lower case>.so
+ * `<folder of the loaded library file>/ryn-drivers/<device name in lower case>.so`
  * and must export RynUserDriverEntry. The library calls `open` once per
  * connection with the device name as the application gave it (for example
  * "RYNDRV"), `control` once per device I/O control request and `close` when
@@ -46,32 +47,57 @@
 extern "C" {
 #endif
 
+/**
+ * @defgroup ryn_driver_module Driver module interface
+ * @brief What a driver module exports and what the library hands it.
+ *
+ * A driver module is a shared object `ryn-drivers/<device name in lower
+ * case>.so` beside the library that exports RynUserDriverEntry(). The
+ * virtual board (docs/virtual-board.md) is one.
+ * @{
+ */
+
+/** @brief The version of this interface; RynUserDriver::abi must hold it. */
 #define RYN_USER_DRIVER_ABI 1u
 
+/** @brief A caller buffer named by an address field of a request. */
 typedef struct RynDriverBuffer {
-    void *address;
-    uint32_t length;
+    void *address;   /**< The buffer. */
+    uint32_t length; /**< Its length in bytes, as the library lists it. */
 } RynDriverBuffer;
 
+/** @brief One device I/O control request, as `control` receives it. */
 typedef struct RynDriverRequest {
-    uint32_t code; /* device I/O control code */
-    const void *input;
-    uint32_t inputLength;
-    void *output;
-    uint32_t outputLength;
-    const RynDriverBuffer *buffers; /* caller buffers named by address fields of the input */
-    uint32_t bufferCount;
+    uint32_t code; /**< Device I/O control code: 0x220000 | (function << 2). */
+    const void *input;    /**< The request block. */
+    uint32_t inputLength; /**< Its length in bytes. */
+    void *output;          /**< The reply block, zero-filled by the library. */
+    uint32_t outputLength; /**< Its length: write no more than this. */
+    /** Caller buffers named by address fields of the input (1-based references in 64-bit processes). */
+    const RynDriverBuffer *buffers;
+    uint32_t bufferCount;           /**< The number of entries of @c buffers. */
 } RynDriverRequest;
 
+/** @brief The functions of a driver module. */
 typedef struct RynUserDriver {
-    uint32_t abi;                                                                      /* RYN_USER_DRIVER_ABI */
-    void *(*open)(const char *deviceName);                                             /* e.g. "RYNDRV"; NULL refuses */
-    int (*control)(void *device, const RynDriverRequest *request, uint32_t *returned); /* 0 = the call failed */
+    uint32_t abi; /**< RYN_USER_DRIVER_ABI. */
+    /** Called once per connection with the device name as the application gave it (e.g. "RYNDRV");
+     *  returns the module's connection, NULL refuses. */
+    void *(*open)(const char *deviceName);
+    /** Called once per request, on the caller's thread (several at once); stores the bytes written in
+     *  *returned; 0 = the call failed, the output untouched. */
+    int (*control)(void *device, const RynDriverRequest *request, uint32_t *returned);
+    /** Called once when the connection is closed. */
     void (*close)(void *device);
 } RynUserDriver;
 
-/* exported by a driver module: */
+/**
+ * @brief Exported by a driver module: its functions.
+ * @return the module's table, which must live as long as the module.
+ */
 const RynUserDriver *RynUserDriverEntry(void);
+
+/** @} */
 
 #ifdef __cplusplus
 }

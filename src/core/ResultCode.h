@@ -7,42 +7,43 @@
 
 namespace ryn {
 
-// Error numbers (bits 0..7) of the codes the library raises.
+// Error numbers (bits 0..7) of the codes the library raises; the numbers
+// are the public RYN_ERROR_* constants of RynHwDll.h.
 enum Error : uint8_t {
-    kErrNothingToRead = 1,      // status: an application event queue is empty
-    kErrBadData = 5,            // data not in the expected form
-    kErrNotProvided = 6,        // operation not provided
-    kErrNoTransferMemory = 7,   // memory for a transfer buffer not obtained
-    kErrNoMemory = 8,           // memory not obtained, or no free slot
-    kErrRange = 9,              // argument out of range
-    kErrNullPointer = 10,       // null pointer argument
-    kErrInvalidHandle = 11,     // handle of the wrong kind, zero, or not open
-    kErrLengthMismatch = 12,    // length mismatch
-    kErrFailed = 13,            // operation failed
-    kErrUnknownAttribute = 16,  // unknown attribute
-    kErrNotAvailable = 17,      // not available
-    kErrNotConnected = 22,      // not connected
-    kErrWarning = 26,           // status: warning
-    kErrImageFull = 29,         // image buffer full
+    kErrNothingToRead = RYN_ERROR_NOTHING_TO_READ,        // status: an application event queue is empty
+    kErrBadData = RYN_ERROR_BAD_DATA,                     // data not in the expected form
+    kErrNotProvided = RYN_ERROR_NOT_PROVIDED,             // operation not provided
+    kErrNoTransferMemory = RYN_ERROR_NO_TRANSFER_MEMORY,  // memory for a transfer buffer not obtained
+    kErrNoMemory = RYN_ERROR_NO_MEMORY,                   // memory not obtained, or no free slot
+    kErrRange = RYN_ERROR_RANGE,                          // argument out of range
+    kErrNullPointer = RYN_ERROR_NULL_POINTER,             // null pointer argument
+    kErrInvalidHandle = RYN_ERROR_INVALID_HANDLE,         // handle of the wrong kind, zero, or not open
+    kErrLengthMismatch = RYN_ERROR_LENGTH_MISMATCH,       // length mismatch
+    kErrFailed = RYN_ERROR_FAILED,                        // operation failed
+    kErrUnknownAttribute = RYN_ERROR_UNKNOWN_ATTRIBUTE,   // unknown attribute
+    kErrNotAvailable = RYN_ERROR_NOT_AVAILABLE,           // not available
+    kErrNotConnected = RYN_ERROR_NOT_CONNECTED,           // not connected
+    kErrWarning = RYN_ERROR_WARNING,                      // status: warning
+    kErrImageFull = RYN_ERROR_IMAGE_FULL,                 // image buffer full
 };
 
-// SourceId (bits 23..30) of each module of the library.
+// SourceId (bits 23..30) of each module of the library (RYN_SOURCE_*).
 namespace source {
-inline constexpr uint8_t kBoard = 0x66;
-inline constexpr uint8_t kBri = 0x67;
-inline constexpr uint8_t kBurst = 0x68;
-inline constexpr uint8_t kDataMixer = 0x69;
-inline constexpr uint8_t kDeviceCore = 0x6A;
-inline constexpr uint8_t kDsp = 0x6B;
-inline constexpr uint8_t kHdlc = 0x6C;
-inline constexpr uint8_t kJtag = 0x6D;
-inline constexpr uint8_t kPots = 0x6E;
-inline constexpr uint8_t kRawData = 0x6F;
-inline constexpr uint8_t kT1E1 = 0x70;
-inline constexpr uint8_t kTone = 0x71;
-inline constexpr uint8_t kTransport = 0x86;
-inline constexpr uint8_t kTelephony = 0x8D;
-inline constexpr uint8_t kSlic = 0x98;
+inline constexpr uint8_t kBoard = RYN_SOURCE_BOARD;
+inline constexpr uint8_t kBri = RYN_SOURCE_BRI;
+inline constexpr uint8_t kBurst = RYN_SOURCE_BURST;
+inline constexpr uint8_t kDataMixer = RYN_SOURCE_DATA_MIXER;
+inline constexpr uint8_t kDeviceCore = RYN_SOURCE_DEVICE;
+inline constexpr uint8_t kDsp = RYN_SOURCE_DSP;
+inline constexpr uint8_t kHdlc = RYN_SOURCE_HDLC;
+inline constexpr uint8_t kJtag = RYN_SOURCE_JTAG;
+inline constexpr uint8_t kPots = RYN_SOURCE_POTS;
+inline constexpr uint8_t kRawData = RYN_SOURCE_RAW_DATA;
+inline constexpr uint8_t kT1E1 = RYN_SOURCE_T1E1;
+inline constexpr uint8_t kTone = RYN_SOURCE_TONE;
+inline constexpr uint8_t kTransport = RYN_SOURCE_TRANSPORT;
+inline constexpr uint8_t kTelephony = RYN_SOURCE_TELEPHONY;
+inline constexpr uint8_t kSlic = RYN_SOURCE_SLIC;
 }  // namespace source
 
 constexpr ResultCode statusCode(uint8_t sourceId, uint32_t line, uint8_t error) {
@@ -63,10 +64,10 @@ constexpr uint32_t reduceToErrorNumber(ResultCode code) {
 }
 
 // Fixed codes of the request transport (SourceId 0x86, error 13).
-inline constexpr ResultCode kTransportCallFailed = 0xC300AA0D;        // line 170
-inline constexpr ResultCode kTransportNoReply = 0xC300AD0D;           // line 173
-inline constexpr ResultCode kTransportHandleCallFailed = 0xC300B90D;  // line 185
-inline constexpr ResultCode kTransportHandleNoReply = 0xC300BC0D;     // line 188
+inline constexpr ResultCode kTransportCallFailed = RYN_RESULT_CALL_FAILED;               // line 170
+inline constexpr ResultCode kTransportNoReply = RYN_RESULT_NO_REPLY;                     // line 173
+inline constexpr ResultCode kTransportHandleCallFailed = RYN_RESULT_HANDLE_CALL_FAILED;  // line 185
+inline constexpr ResultCode kTransportHandleNoReply = RYN_RESULT_HANDLE_NO_REPLY;        // line 188
 
 }  // namespace ryn
 

@@ -13,7 +13,7 @@ constexpr bool isPipe(DeviceHandle handle) { return handleKind(handle) == RYN_HA
 
 // Any object of the driver: kinds 0x1 to 0x6.
 constexpr bool isDriverObject(DeviceHandle handle) {
-    return handleKind(handle) >= 0x10000000u && handleKind(handle) <= 0x60000000u;
+    return handleKind(handle) >= RYN_HANDLE_PHYSICAL && handleKind(handle) <= RYN_HANDLE_OTHER_6;
 }
 
 }  // namespace ryn
