@@ -15,14 +15,7 @@
 #include <string.h>
 
 #include "RynHwDll.h"
-
-/* Numbers of the virtual board: the DSP device type and two block types. */
-#define DSP_TYPE 3
-#define DTMF_DIALLER 105
-#define DTMF_DETECTOR 111
-/* Event codes (word 3 of an event record). */
-#define DIGIT_DETECTED 0x0500
-#define DIALLING_FINISHED 0x0506
+#include "RynVirtualBoard.h" /* the virtual board's device and block types, event codes */
 
 static int check(const char *step, ResultCode code)
 {
@@ -45,10 +38,10 @@ static void collect_digits(DeviceHandle queue, OsaHandle event, DeviceHandle det
             if (RynDrvWaitForSingleEvent(event, 2000) != 0) break;
             continue;
         }
-        if (record.word[3] == DIGIT_DETECTED && record.word[4] == detector && count + 1 < size) {
+        if (record.word[3] == RYN_VB_EVENT_DTMF_DIGIT && record.word[4] == detector && count + 1 < size) {
             detected[count++] = (char)record.word[5];
             printf("digit '%c' detected\n", (char)record.word[5]);
-        } else if (record.word[3] == DIALLING_FINISHED) {
+        } else if (record.word[3] == RYN_VB_EVENT_DIALLING_FINISHED) {
             break;
         }
     }
@@ -64,9 +57,9 @@ int main(void)
     int good;
 
     if (!check("connect", RynDrvConnectLib())) return 1;
-    good = check("find DSP 0", RynDrvGetDeviceHandle(0, DSP_TYPE, 0, &dsp)) &&
-           check("create the dialler", RynDrvCreateLogicalDevice(dsp, DTMF_DIALLER, 0, 0, &dialler)) &&
-           check("create the detector", RynDrvCreateLogicalDevice(dsp, DTMF_DETECTOR, 0, 0, &detector)) &&
+    good = check("find DSP 0", RynDrvGetDeviceHandle(0, RYN_VB_DEVICE_DSP, 0, &dsp)) &&
+           check("create the dialler", RynDrvCreateLogicalDevice(dsp, RYN_VB_BLOCK_DTMF_DIALLER, 0, 0, &dialler)) &&
+           check("create the detector", RynDrvCreateLogicalDevice(dsp, RYN_VB_BLOCK_DTMF_DETECTOR, 0, 0, &detector)) &&
            /* Default tone and pause times; each tone 6 dB below the reference level. */
            check("set up the dialler", RynToneDtmfDiallerInit(dialler, 0, 0, 6, 0)) &&
            check("set up the detector", RynToneDtmfDetectorInit(detector, 0, 0)) &&

@@ -16,9 +16,7 @@
 #include <string.h>
 
 #include "RynHwDll.h"
-
-/* The device type of HDLC channels in the virtual board's device tree. */
-#define HDLC_CHANNEL_TYPE 4
+#include "RynVirtualBoard.h" /* the virtual board's device types */
 
 /* Prints the outcome of one step; returns 1 when the call succeeded. */
 static int check(const char *step, ResultCode code)
@@ -94,7 +92,7 @@ int main(void)
 
     /* Parent 0 is the board itself; HDLC channel number 0. */
     good = check("find HDLC channel 0 (RynDrvGetDeviceHandle)",
-                 RynDrvGetDeviceHandle(0, HDLC_CHANNEL_TYPE, 0, &channel));
+                 RynDrvGetDeviceHandle(0, RYN_VB_DEVICE_HDLC, 0, &channel));
     if (good) {
         printf("        channel handle 0x%08lX\n", (unsigned long)channel);
         good = loop_frames(channel);

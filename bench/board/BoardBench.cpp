@@ -7,17 +7,16 @@
 #include <vector>
 
 #include "RynHwDll.h"
+#include "RynVirtualBoard.h"
 
 namespace {
-
-constexpr int32_t kDsp = 3, kDtmfDialler = 105, kDtmfDetector = 111;
 
 struct Connection {
     Connection() { RynDrvConnectLib(); }
     ~Connection() { RynDrvReleaseLib(); }
     DeviceHandle dsp() const {
         DeviceHandle handle = 0;
-        RynDrvGetDeviceHandle(0, kDsp, 0, &handle);
+        RynDrvGetDeviceHandle(0, RYN_VB_DEVICE_DSP, 0, &handle);
         return handle;
     }
     DeviceHandle block(int32_t type) const {
@@ -38,14 +37,14 @@ BENCHMARK(BM_BoardRoundTrip);
 // One second of DTMF digits (70 ms tones, 70 ms pauses) through a detector.
 void BM_DtmfDetectorSecond(benchmark::State &state) {
     Connection connection;
-    const DeviceHandle detector = connection.block(kDtmfDetector);
+    const DeviceHandle detector = connection.block(RYN_VB_BLOCK_DTMF_DETECTOR);
     std::vector<int16_t> second(8000);
     for (size_t n = 0; n < second.size(); ++n)
         if (n % 1120 < 560)
             second[n] = static_cast<int16_t>(2000 * (std::sin(2 * M_PI * 770 * n / 8000.0) +
                                                      std::sin(2 * M_PI * 1336 * n / 8000.0)));
     for (auto _ : state)
-        RynDrvSetAttributeValue(detector, 31, second.data(), static_cast<uint32_t>(second.size() * 2));
+        RynDrvSetAttributeValue(detector, RYN_VB_ATTR_AUDIO_IN, second.data(), static_cast<uint32_t>(second.size() * 2));
     state.counters["audio_seconds_per_second"] =
         benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
 }
@@ -54,7 +53,7 @@ BENCHMARK(BM_DtmfDetectorSecond)->Unit(benchmark::kMicrosecond);
 // "1234#" dialled into a connected detector: synthesis and detection of 0.8 s.
 void BM_DialIntoDetector(benchmark::State &state) {
     Connection connection;
-    const DeviceHandle dialler = connection.block(kDtmfDialler), detector = connection.block(kDtmfDetector);
+    const DeviceHandle dialler = connection.block(RYN_VB_BLOCK_DTMF_DIALLER), detector = connection.block(RYN_VB_BLOCK_DTMF_DETECTOR);
     RynDrvConnectLogicalDevice(dialler, 0, detector, 0);
     for (auto _ : state) RynToneDtmfDial(dialler, "1234#", 5, 0, 0);
 }

@@ -148,32 +148,32 @@ std::vector<uint8_t> wordValue(uint32_t value) {
 
 const char *eventText(uint32_t code) {
     switch (code) {
-        case kEventEnabled: return "Device enabled";
-        case kEventDisabled: return "Device disabled";
-        case kEventReset: return "Device reset";
-        case kEventUser: return "Application event";
-        case kEventLayer1Changed: return "Layer 1 status changed";
-        case kEventAlarmChanged: return "Alarm state changed";
-        case kEventSignallingChanged: return "Signalling bits changed";
-        case kEventHookChanged: return "Hook state changed";
-        case kEventRingStarted: return "Ringing started";
-        case kEventRingStopped: return "Ringing stopped";
-        case kEventFrameReceived: return "Frame received";
-        case kEventFrameSent: return "Frame sent";
-        case kEventRawDataReceived: return "Raw data received";
-        case kEventBurstDone: return "Burst transfer done";
-        case kEventProgramStarted: return "DSP program started";
-        case kEventProgramStopped: return "DSP program stopped";
-        case kEventDtmfDigit: return "DTMF digit detected";
-        case kEventMfDigit: return "MF digit detected";
-        case kEventToneDetected: return "Tone detected";
-        case kEventToneEnded: return "Tone ended";
-        case kEventCallProgress: return "Call progress tone detected";
-        case kEventSilence: return "Silence detected";
-        case kEventDialDone: return "Dialling finished";
-        case kEventSequenceDone: return "Sequence sent";
-        case kEventDataByte: return "Data byte received";
-        case kEventCallerId: return "Caller identification received";
+        case kEventEnabled: return RYN_VB_EVENT_DEVICE_ENABLED_TEXT;
+        case kEventDisabled: return RYN_VB_EVENT_DEVICE_DISABLED_TEXT;
+        case kEventReset: return RYN_VB_EVENT_DEVICE_RESET_TEXT;
+        case kEventUser: return RYN_VB_EVENT_APPLICATION_TEXT;
+        case kEventLayer1Changed: return RYN_VB_EVENT_LAYER1_CHANGED_TEXT;
+        case kEventAlarmChanged: return RYN_VB_EVENT_ALARM_CHANGED_TEXT;
+        case kEventSignallingChanged: return RYN_VB_EVENT_SIGNALLING_CHANGED_TEXT;
+        case kEventHookChanged: return RYN_VB_EVENT_HOOK_CHANGED_TEXT;
+        case kEventRingStarted: return RYN_VB_EVENT_RINGING_STARTED_TEXT;
+        case kEventRingStopped: return RYN_VB_EVENT_RINGING_STOPPED_TEXT;
+        case kEventFrameReceived: return RYN_VB_EVENT_FRAME_RECEIVED_TEXT;
+        case kEventFrameSent: return RYN_VB_EVENT_FRAME_SENT_TEXT;
+        case kEventRawDataReceived: return RYN_VB_EVENT_RAW_DATA_RECEIVED_TEXT;
+        case kEventBurstDone: return RYN_VB_EVENT_BURST_DONE_TEXT;
+        case kEventProgramStarted: return RYN_VB_EVENT_PROGRAM_STARTED_TEXT;
+        case kEventProgramStopped: return RYN_VB_EVENT_PROGRAM_STOPPED_TEXT;
+        case kEventDtmfDigit: return RYN_VB_EVENT_DTMF_DIGIT_TEXT;
+        case kEventMfDigit: return RYN_VB_EVENT_MF_DIGIT_TEXT;
+        case kEventToneDetected: return RYN_VB_EVENT_TONE_DETECTED_TEXT;
+        case kEventToneEnded: return RYN_VB_EVENT_TONE_ENDED_TEXT;
+        case kEventCallProgress: return RYN_VB_EVENT_CALL_PROGRESS_TEXT;
+        case kEventSilence: return RYN_VB_EVENT_SILENCE_TEXT;
+        case kEventDialDone: return RYN_VB_EVENT_DIALLING_FINISHED_TEXT;
+        case kEventSequenceDone: return RYN_VB_EVENT_SEQUENCE_SENT_TEXT;
+        case kEventDataByte: return RYN_VB_EVENT_DATA_BYTE_TEXT;
+        case kEventCallerId: return RYN_VB_EVENT_CALLER_ID_TEXT;
         default: return nullptr;
     }
 }

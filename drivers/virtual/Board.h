@@ -24,13 +24,14 @@
 
 #include "RynHwDll.h"
 #include "RynUserDriver.h"
+#include "RynVirtualBoard.h"
 
 namespace vb {
 
 // ---- Result codes ---------------------------------------------------------
 
 // The SourceId of the codes this driver raises.
-inline constexpr uint32_t kSourceId = 0x72;
+inline constexpr uint32_t kSourceId = RYN_VB_SOURCE_ID;
 
 // Error numbers (the library's meanings).
 enum Error : uint32_t {
@@ -57,42 +58,43 @@ constexpr bool failed(uint32_t code) { return (code & 0x80000000u) != 0; }
 
 // ---- Device tree ----------------------------------------------------------
 
-// Device types of the board's numbering (positive, so that the library's
-// translations for older drivers leave them alone).
+// Device types of the board's numbering, named in RynVirtualBoard.h
+// (positive, so that the library's translations for older drivers leave them
+// alone).
 enum DeviceType : int32_t {
-    kTypeBoard = 1,
-    kTypeT1E1 = 2,
-    kTypeDsp = 3,
-    kTypeHdlc = 4,
-    kTypeRawData = 5,
-    kTypeBurst = 6,
-    kTypePots = 7,
-    kTypeSlic = 8,
-    kTypeJtag = 9,
+    kTypeBoard = RYN_VB_DEVICE_BOARD,
+    kTypeT1E1 = RYN_VB_DEVICE_T1E1,
+    kTypeDsp = RYN_VB_DEVICE_DSP,
+    kTypeHdlc = RYN_VB_DEVICE_HDLC,
+    kTypeRawData = RYN_VB_DEVICE_RAW_DATA,
+    kTypeBurst = RYN_VB_DEVICE_BURST,
+    kTypePots = RYN_VB_DEVICE_POTS,
+    kTypeSlic = RYN_VB_DEVICE_SLIC,
+    kTypeJtag = RYN_VB_DEVICE_JTAG,
     kTypeBri = 10,  // not fitted on this board; its requests are refused
     // Logical devices: the signal-processing blocks created on a DSP.
-    kTypeConstValueGenerator = 100,
-    kTypeValueSampler = 101,
-    kTypeEffectsGenerator = 102,
-    kTypeSineWaveGenerator = 103,
-    kTypeDtmfGenerator = 104,
-    kTypeDtmfDialler = 105,
-    kTypeMfDialler = 106,
-    kTypeSequenceGenerator = 107,
-    kTypeSilenceDetector = 110,
-    kTypeDtmfDetector = 111,
-    kTypeFskDetector = 112,
-    kTypeDialtoneDetector = 113,
-    kTypeMfDetector = 114,
-    kTypeDualDetector = 115,
-    kTypeSingleDetector = 116,
-    kTypeTelephonyFirst = 120,  // 120..128: the telephony blocks
-    kTypeTelephonyLast = 128,
-    kTypeDataMixer = 140,
-    kTypeDspPots = 150,
+    kTypeConstValueGenerator = RYN_VB_BLOCK_CONST_VALUE_GENERATOR,
+    kTypeValueSampler = RYN_VB_BLOCK_VALUE_SAMPLER,
+    kTypeEffectsGenerator = RYN_VB_BLOCK_EFFECTS_GENERATOR,
+    kTypeSineWaveGenerator = RYN_VB_BLOCK_SINE_WAVE_GENERATOR,
+    kTypeDtmfGenerator = RYN_VB_BLOCK_DTMF_GENERATOR,
+    kTypeDtmfDialler = RYN_VB_BLOCK_DTMF_DIALLER,
+    kTypeMfDialler = RYN_VB_BLOCK_MF_DIALLER,
+    kTypeSequenceGenerator = RYN_VB_BLOCK_SEQUENCE_GENERATOR,
+    kTypeSilenceDetector = RYN_VB_BLOCK_SILENCE_DETECTOR,
+    kTypeDtmfDetector = RYN_VB_BLOCK_DTMF_DETECTOR,
+    kTypeFskDetector = RYN_VB_BLOCK_FSK_DETECTOR,
+    kTypeDialtoneDetector = RYN_VB_BLOCK_DIAL_TONE_DETECTOR,
+    kTypeMfDetector = RYN_VB_BLOCK_MF_DETECTOR,
+    kTypeDualDetector = RYN_VB_BLOCK_DUAL_FREQUENCY_DETECTOR,
+    kTypeSingleDetector = RYN_VB_BLOCK_SINGLE_FREQUENCY_DETECTOR,
+    kTypeTelephonyFirst = RYN_VB_BLOCK_CST_DTMF_DIALLER,  // 120..128: the telephony blocks
+    kTypeTelephonyLast = RYN_VB_BLOCK_CST_CALLER_ID_DETECTOR,
+    kTypeDataMixer = RYN_VB_BLOCK_DATA_CONVERTER,
+    kTypeDspPots = RYN_VB_BLOCK_DSP_POTS,
     // Other driver objects.
-    kTypeEventQueue = 200,
-    kTypePipe = 201,
+    kTypeEventQueue = RYN_VB_DEVICE_EVENT_QUEUE,
+    kTypePipe = RYN_VB_DEVICE_PIPE,
 };
 
 // Which request table answers an object's requests.
@@ -106,8 +108,8 @@ inline constexpr uint32_t kKindLogical = 0x20000000u;
 inline constexpr uint32_t kKindQueue = 0x30000000u;
 inline constexpr uint32_t kKindPipe = 0x40000000u;
 
-// Driver state values (RynDrvGetState).
-enum State : uint32_t { kStateIdle = 0, kStateEnabled = 1, kStateDisabled = 2 };
+// Driver state values (RynDrvGetState, attribute 4).
+enum State : uint32_t { kStateIdle = RYN_VB_STATE_IDLE, kStateEnabled = RYN_VB_STATE_ENABLED, kStateDisabled = RYN_VB_STATE_DISABLED };
 
 // Per-family state of one object.
 struct ObjectState {
@@ -135,34 +137,35 @@ struct Object {
 
 // ---- Event codes ----------------------------------------------------------
 
-// Word 3 of an event record. Texts in EventText (Events.cpp).
+// Word 3 of an event record, named in RynVirtualBoard.h with its text
+// (eventText, Board.cpp).
 enum EventCode : uint32_t {
-    kEventEnabled = 0x0001,
-    kEventDisabled = 0x0002,
-    kEventReset = 0x0003,
-    kEventUser = 0x0004,  // a record queued by RynDrvSetEventData
-    kEventLayer1Changed = 0x0100,
-    kEventAlarmChanged = 0x0101,
-    kEventSignallingChanged = 0x0102,
-    kEventHookChanged = 0x0200,
-    kEventRingStarted = 0x0201,
-    kEventRingStopped = 0x0202,
-    kEventFrameReceived = 0x0300,
-    kEventFrameSent = 0x0301,
-    kEventRawDataReceived = 0x0302,
-    kEventBurstDone = 0x0303,
-    kEventProgramStarted = 0x0400,
-    kEventProgramStopped = 0x0401,
-    kEventDtmfDigit = 0x0500,
-    kEventMfDigit = 0x0501,
-    kEventToneDetected = 0x0502,
-    kEventToneEnded = 0x0503,
-    kEventCallProgress = 0x0504,
-    kEventSilence = 0x0505,
-    kEventDialDone = 0x0506,
-    kEventSequenceDone = 0x0507,
-    kEventDataByte = 0x0508,
-    kEventCallerId = 0x0509,
+    kEventEnabled = RYN_VB_EVENT_DEVICE_ENABLED,
+    kEventDisabled = RYN_VB_EVENT_DEVICE_DISABLED,
+    kEventReset = RYN_VB_EVENT_DEVICE_RESET,
+    kEventUser = RYN_VB_EVENT_APPLICATION,  // a record queued by RynDrvSetEventData
+    kEventLayer1Changed = RYN_VB_EVENT_LAYER1_CHANGED,
+    kEventAlarmChanged = RYN_VB_EVENT_ALARM_CHANGED,
+    kEventSignallingChanged = RYN_VB_EVENT_SIGNALLING_CHANGED,
+    kEventHookChanged = RYN_VB_EVENT_HOOK_CHANGED,
+    kEventRingStarted = RYN_VB_EVENT_RINGING_STARTED,
+    kEventRingStopped = RYN_VB_EVENT_RINGING_STOPPED,
+    kEventFrameReceived = RYN_VB_EVENT_FRAME_RECEIVED,
+    kEventFrameSent = RYN_VB_EVENT_FRAME_SENT,
+    kEventRawDataReceived = RYN_VB_EVENT_RAW_DATA_RECEIVED,
+    kEventBurstDone = RYN_VB_EVENT_BURST_DONE,
+    kEventProgramStarted = RYN_VB_EVENT_PROGRAM_STARTED,
+    kEventProgramStopped = RYN_VB_EVENT_PROGRAM_STOPPED,
+    kEventDtmfDigit = RYN_VB_EVENT_DTMF_DIGIT,
+    kEventMfDigit = RYN_VB_EVENT_MF_DIGIT,
+    kEventToneDetected = RYN_VB_EVENT_TONE_DETECTED,
+    kEventToneEnded = RYN_VB_EVENT_TONE_ENDED,
+    kEventCallProgress = RYN_VB_EVENT_CALL_PROGRESS,
+    kEventSilence = RYN_VB_EVENT_SILENCE,
+    kEventDialDone = RYN_VB_EVENT_DIALLING_FINISHED,
+    kEventSequenceDone = RYN_VB_EVENT_SEQUENCE_SENT,
+    kEventDataByte = RYN_VB_EVENT_DATA_BYTE,
+    kEventCallerId = RYN_VB_EVENT_CALLER_ID,
 };
 
 const char *eventText(uint32_t code);  // nullptr for an unknown code
@@ -349,7 +352,7 @@ private:
 
 // The event queue of a queue object (kind 3).
 struct EventQueue : ObjectState {
-    static constexpr size_t kCapacity = 256;
+    static constexpr size_t kCapacity = RYN_VB_EVENT_QUEUE_CAPACITY;
     uint32_t source = 0;    // 0: every object
     OsaHandle event = 0;    // the application's event object, 0 for none
     std::vector<EventData> records;

@@ -11,13 +11,13 @@ namespace {
 // Clock source: 0 the board's oscillator, 1 span 0's receive clock, 2 span
 // 1's, 3 the external reference; clock mode: 0 the board drives the bus
 // clock, 1 it follows it.
-constexpr uint32_t kSourceLast = 3, kClockModeLast = 1;
-constexpr uint32_t kMuLaw = 0, kALaw = 1;
+constexpr uint32_t kSourceLast = RYN_VB_CLOCK_SOURCE_EXTERNAL, kClockModeLast = RYN_VB_CLOCK_MODE_FOLLOW;
+constexpr uint32_t kMuLaw = RYN_VB_LAW_MU, kALaw = RYN_VB_LAW_A;
 // The TSS has 8 streams of 32 time slots.
 constexpr uint32_t kStreams = 8, kTimeSlots = 32;
 
 struct Controls : ObjectState {
-    uint32_t clockSource = 0, clockMode = 0, law = kMuLaw;
+    uint32_t clockSource = RYN_VB_CLOCK_SOURCE_OSCILLATOR, clockMode = RYN_VB_CLOCK_MODE_DRIVE, law = kMuLaw;
     std::map<uint32_t, uint8_t> constants;  // stream * 32 + slot: the byte sent
 };
 
@@ -61,10 +61,10 @@ std::vector<uint8_t> constants(Call &, Object &object, uint32_t) {
 }
 
 const Attribute kAttributes[] = {
-    {40, 2, fieldValue<Controls, &Controls::clockSource>, nullptr},
-    {41, 2, fieldValue<Controls, &Controls::clockMode>, nullptr},
-    {42, 2, fieldValue<Controls, &Controls::law>, nullptr},
-    {43, 3, constants, nullptr},
+    {RYN_VB_ATTR_CLOCK_SOURCE, RYN_VB_VALUE_UINT32, fieldValue<Controls, &Controls::clockSource>, nullptr},
+    {RYN_VB_ATTR_CLOCK_MODE, RYN_VB_VALUE_UINT32, fieldValue<Controls, &Controls::clockMode>, nullptr},
+    {RYN_VB_ATTR_CODEC_LAW, RYN_VB_VALUE_UINT32, fieldValue<Controls, &Controls::law>, nullptr},
+    {RYN_VB_ATTR_CONSTANT_SLOTS, RYN_VB_VALUE_BINARY, constants, nullptr},
 };
 
 }  // namespace

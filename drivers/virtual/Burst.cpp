@@ -33,7 +33,7 @@
 namespace vb {
 namespace {
 
-constexpr uint32_t kBlockLimit = 4096;
+constexpr uint32_t kBlockLimit = RYN_VB_BURST_BLOCK_MAX;
 constexpr uint32_t kSendHead = 28;  // handle 16, param1 20, length 24, data 28
 constexpr uint32_t kReadHead = 32;  // count 8, values 12 and 20, result 28, data 32
 
@@ -125,11 +125,11 @@ std::vector<uint8_t> preloaded(Call &, Object &object, uint32_t) {
 }
 
 const Attribute kAttributes[] = {
-    {100, 2, waiting, nullptr},
-    {101, 2, fieldValue<BurstChannel, &BurstChannel::sent>, nullptr},
-    {102, 2, fieldValue<BurstChannel, &BurstChannel::overwritten>, nullptr},
-    {103, 2, limit, nullptr},
-    {104, 2, preloaded, nullptr},
+    {RYN_VB_ATTR_BURST_WAITING, RYN_VB_VALUE_UINT32, waiting, nullptr},
+    {RYN_VB_ATTR_BURST_SENT, RYN_VB_VALUE_UINT32, fieldValue<BurstChannel, &BurstChannel::sent>, nullptr},
+    {RYN_VB_ATTR_BURST_OVERWRITTEN, RYN_VB_VALUE_UINT32, fieldValue<BurstChannel, &BurstChannel::overwritten>, nullptr},
+    {RYN_VB_ATTR_BURST_LIMIT, RYN_VB_VALUE_UINT32, limit, nullptr},
+    {RYN_VB_ATTR_BURST_PRELOADED, RYN_VB_VALUE_UINT32, preloaded, nullptr},
 };
 
 }  // namespace

@@ -9,9 +9,9 @@
 namespace vb {
 namespace {
 
-constexpr const char *kDriverVersion = "1.01.47.0";
-constexpr const char *kBoardName = "Virtual board";
-constexpr uint32_t kBlocksPerDsp = 64;
+constexpr const char *kDriverVersion = RYN_VB_DRIVER_VERSION_TEXT;
+constexpr const char *kBoardName = RYN_VB_BOARD_NAME_TEXT;
+constexpr uint32_t kBlocksPerDsp = RYN_VB_BLOCKS_PER_DSP;
 constexpr size_t kObjectLimit = 4096;  // pipes and event queues beside the devices and blocks
 constexpr uint32_t kPipeDataLimit = 512;
 constexpr uint32_t kEventTextBytes = 256;
@@ -31,7 +31,8 @@ bool blockFamily(int32_t type, Family &family) {
     } else {
         return false;
     }
-    return type != 108 && type != 109;  // gaps in the tone numbering
+    // the gap in the tone numbering, between the generators and the detectors
+    return type <= kTypeSequenceGenerator || type >= kTypeSilenceDetector;
 }
 
 // ---- Enumeration and handles ----------------------------------------------
@@ -245,8 +246,8 @@ struct Value {
 
 Value driverAttribute(int32_t id) {
     switch (id) {
-        case 13: return {0, 0, textValue(kDriverVersion)};
-        case 14: return {0, 0, textValue(kBoardName)};
+        case RYN_VB_ATTR_DRIVER_VERSION: return {0, RYN_VB_VALUE_TEXT, textValue(kDriverVersion)};
+        case RYN_VB_ATTR_BOARD_NAME: return {0, RYN_VB_VALUE_TEXT, textValue(kBoardName)};
         default: return {VB_FAILURE(kUnknownAttribute), 0, {}};
     }
 }
@@ -259,11 +260,11 @@ const Attribute *familyAttribute(const Object &object, int32_t id) {
 
 Value objectAttribute(Call &call, Object &object, int32_t id, uint32_t capacity) {
     switch (id) {
-        case 1: return {0, 2, wordValue(static_cast<uint32_t>(object.type))};
-        case 2: return {0, 2, wordValue(object.id)};
-        case 3: return {0, 0, textValue(object.name)};
-        case 4: return {0, 2, wordValue(object.state)};
-        case 5: return {0, 2, wordValue(object.label)};
+        case RYN_VB_ATTR_DEVICE_TYPE: return {0, RYN_VB_VALUE_UINT32, wordValue(static_cast<uint32_t>(object.type))};
+        case RYN_VB_ATTR_DEVICE_NUMBER: return {0, RYN_VB_VALUE_UINT32, wordValue(object.id)};
+        case RYN_VB_ATTR_NAME: return {0, RYN_VB_VALUE_TEXT, textValue(object.name)};
+        case RYN_VB_ATTR_STATE: return {0, RYN_VB_VALUE_UINT32, wordValue(object.state)};
+        case RYN_VB_ATTR_LABEL: return {0, RYN_VB_VALUE_UINT32, wordValue(object.label)};
         default: break;
     }
     if (const Attribute *a = familyAttribute(object, id)) {
@@ -288,11 +289,11 @@ uint32_t getAttributeType(Call &call) {
     const bool settable = [&] {
         if (call.in.u32(16) == 0) return false;
         Object *object = call.board.find(call.in.u32(16));
-        if (call.in.i32(20) == 5) return true;
+        if (call.in.i32(20) == RYN_VB_ATTR_LABEL) return true;
         const Attribute *a = familyAttribute(*object, call.in.i32(20));
         return a != nullptr && a->set != nullptr;
     }();
-    call.out.u32(8, value.type).u32(12, static_cast<uint32_t>(value.bytes.size())).u32(16, settable ? 3u : 1u);
+    call.out.u32(8, value.type).u32(12, static_cast<uint32_t>(value.bytes.size())).u32(16, settable ? RYN_VB_ACCESS_SETTABLE : RYN_VB_ACCESS_READ_ONLY);
     return 0;
 }
 
@@ -321,8 +322,8 @@ uint32_t setAttributeValue(Call &call) {
     if (handle == 0) return driverAttribute(id).result == 0 ? VB_FAILURE(kFailed) : VB_FAILURE(kUnknownAttribute);
     Object *object = call.board.find(handle);
     if (object == nullptr) return VB_FAILURE(kInvalidHandle);
-    if (id >= 1 && id <= 4) return VB_FAILURE(kFailed);  // read-only
-    if (id == 5) {
+    if (id >= RYN_VB_ATTR_DEVICE_TYPE && id <= RYN_VB_ATTR_STATE) return VB_FAILURE(kFailed);  // read-only
+    if (id == RYN_VB_ATTR_LABEL) {
         if (length != 4) return VB_FAILURE(kOutOfRange);
         std::memcpy(&object->label, value.data(), 4);
         return 0;

@@ -3,17 +3,17 @@
 // itself and never reaches the board.
 //
 // param1: the conversion between the DSP's linear samples and the line's
-// bytes, 0 none (16-bit linear), 1 mu-law, 2 A-law; param2: the samples per
+// bytes, none (16-bit linear), mu-law or A-law (RYN_VB_CONVERT_...); param2: the samples per
 // transfer block (0: 160; 1..1024). The board's sample flow does not pass
 // through this block, so it keeps its settings for the application to read:
-// attributes 40 set up (0 or 1), 41 the conversion, 42 the block length.
+// attributes set up (0 or 1), conversion and block length.
 #include "Families.h"
 
 namespace vb {
 namespace {
 
 constexpr uint32_t kParam1 = 20, kParam2 = 24;
-enum Conversion : uint32_t { kLinear = 0, kMuLaw = 1, kALaw = 2 };
+enum Conversion : uint32_t { kLinear = RYN_VB_CONVERT_LINEAR, kMuLaw = RYN_VB_CONVERT_MU_LAW, kALaw = RYN_VB_CONVERT_A_LAW };
 constexpr uint32_t kDefaultBlock = 160, kLargestBlock = 1024;
 
 struct Converter : ObjectState {
@@ -38,9 +38,9 @@ constexpr Row kRows[] = {
 };
 
 const Attribute kAttributes[] = {
-    {40, 2, fieldValue<Converter, &Converter::setUp>, nullptr},
-    {41, 2, fieldValue<Converter, &Converter::conversion>, nullptr},
-    {42, 2, fieldValue<Converter, &Converter::blockSamples>, nullptr},
+    {RYN_VB_ATTR_CONVERTER_SET_UP, RYN_VB_VALUE_UINT32, fieldValue<Converter, &Converter::setUp>, nullptr},
+    {RYN_VB_ATTR_CONVERTER_CONVERSION, RYN_VB_VALUE_UINT32, fieldValue<Converter, &Converter::conversion>, nullptr},
+    {RYN_VB_ATTR_CONVERTER_BLOCK, RYN_VB_VALUE_UINT32, fieldValue<Converter, &Converter::blockSamples>, nullptr},
 };
 
 }  // namespace

@@ -25,9 +25,10 @@ namespace {
 
 // ---- The board's DSPs and modules ----------------------------------------
 
-// DSP type of each DSP, by device number; type 5 is the byte-addressed one.
-constexpr uint32_t kDspTypes[] = {1, 5};
-constexpr uint32_t kByteAddressedType = 5;
+// DSP type of each DSP, by device number: DSP 0 word-addressed, DSP 1
+// byte-addressed.
+constexpr uint32_t kDspTypes[] = {RYN_VB_DSP_TYPE_WORD, RYN_VB_DSP_TYPE_BYTE};
+constexpr uint32_t kByteAddressedType = RYN_VB_DSP_TYPE_BYTE;
 
 uint32_t dspType(const Object &dsp) { return dsp.id < std::size(kDspTypes) ? kDspTypes[dsp.id] : kDspTypes[0]; }
 bool byteAddressed(const Object &dsp) { return dspType(dsp) == kByteAddressedType; }
@@ -44,7 +45,7 @@ constexpr Module kModules[] = {
     {6, 1, 0x78DE},   {10, 1, 0x501A}, {10, 3, 0x4EA7}, {10, 4, 0x28ED2}, {11, 3, 0x6747}, {11, 4, 0x2B271},
     {11, 5, 0x1751F}, {12, 2, 0x3A37}, {13, 2, 0x3BB6},
 };
-constexpr uint32_t kNoModule = 0xFFFFFFFFu;
+constexpr uint32_t kNoModule = RYN_VB_DSP_NO_MODULE;
 
 uint32_t moduleAt(uint32_t type, uint32_t entry) {
     for (const Module &m : kModules)
@@ -110,7 +111,12 @@ enum class Program : uint32_t { None = 0, Loading = 1, Started = 2 };
 
 // Program state as the attribute reports it: a started program on a
 // disabled DSP is halted.
-enum ReportedState : uint32_t { kNoProgram = 0, kLoading = 1, kRunning = 2, kHalted = 3 };
+enum ReportedState : uint32_t {
+    kNoProgram = RYN_VB_DSP_PROGRAM_NONE,
+    kLoading = RYN_VB_DSP_PROGRAM_LOADING,
+    kRunning = RYN_VB_DSP_PROGRAM_RUNNING,
+    kHalted = RYN_VB_DSP_PROGRAM_HALTED,
+};
 
 struct DspState : ObjectState {
     Program program = Program::None;
@@ -334,9 +340,9 @@ uint32_t queryDspType(Call &call) {
 
 // ---- The running program -------------------------------------------------------
 
-// Messages to the running program. Command 0 answers its input; command 1
-// the running module (0xFFFFFFFF for none of the built-in ones) and the entry
-// address. The answer length is the full answer; no more of it than the
+// Messages to the running program. The echo command answers its input; the
+// program command the running module (kNoModule for none of the built-in
+// ones) and the entry address. The answer length is the full answer; no more of it than the
 // caller's output size is written.
 uint32_t message(Call &call) {
     Object &dsp = *call.object;
@@ -346,12 +352,12 @@ uint32_t message(Call &call) {
     if (length < 2 || length > kMessageBytes + 2) return VB_FAILURE(kOutOfRange);
     std::vector<uint8_t> answer;
     switch (call.in.u16(36)) {
-        case 0: {
+        case RYN_VB_DSP_MESSAGE_ECHO: {
             const std::span<const uint8_t> input = call.in.bytes(kMessageInput, length - 2);
             answer.assign(input.begin(), input.end());
             break;
         }
-        case 1:
+        case RYN_VB_DSP_MESSAGE_PROGRAM:
             answer = wordValue(state.module);
             for (uint8_t byte : wordValue(state.entry)) answer.push_back(byte);
             break;
@@ -434,12 +440,14 @@ uint32_t reportedState(Object &dsp) {
 }
 
 const Attribute kAttributes[] = {
-    {32, 2, word<[](Object &dsp) { return dspType(dsp); }>, nullptr},
-    {33, 2, word<[](Object &dsp) { return stateOf(dsp).module; }>, nullptr},
-    {34, 2, word<[](Object &dsp) { return stateOf(dsp).entry; }>, nullptr},
-    {35, 2, word<reportedState>, nullptr},
-    {36, 2, word<[](Object &dsp) { return stateOf(dsp).unitsLoaded; }>, nullptr},
-    {37, 2, word<[](Object &dsp) { return stateOf(dsp).moduleFlag; }>, nullptr},
+    {RYN_VB_ATTR_DSP_TYPE, RYN_VB_VALUE_UINT32, word<[](Object &dsp) { return dspType(dsp); }>, nullptr},
+    {RYN_VB_ATTR_DSP_MODULE, RYN_VB_VALUE_UINT32, word<[](Object &dsp) { return stateOf(dsp).module; }>, nullptr},
+    {RYN_VB_ATTR_DSP_ENTRY, RYN_VB_VALUE_UINT32, word<[](Object &dsp) { return stateOf(dsp).entry; }>, nullptr},
+    {RYN_VB_ATTR_DSP_PROGRAM_STATE, RYN_VB_VALUE_UINT32, word<reportedState>, nullptr},
+    {RYN_VB_ATTR_DSP_UNITS_LOADED, RYN_VB_VALUE_UINT32, word<[](Object &dsp) { return stateOf(dsp).unitsLoaded; }>,
+     nullptr},
+    {RYN_VB_ATTR_DSP_MODULE_FLAG, RYN_VB_VALUE_UINT32, word<[](Object &dsp) { return stateOf(dsp).moduleFlag; }>,
+     nullptr},
 };
 
 }  // namespace

@@ -8,8 +8,8 @@
 // single register writes. The line is always connected to a virtual
 // exchange that draws loop current when the line is off hook.
 //
-// Hook changes post "Hook state changed": word 5 the hook state (0 on hook,
-// 1 off hook), word 6 the cause (below), word 7 the line voltage in volts
+// Hook changes post "Hook state changed": word 5 the hook state
+// (RYN_VB_HOOK_ON or RYN_VB_HOOK_OFF), word 6 the cause (below), word 7 the line voltage in volts
 // (48 on hook, 8 off hook). Flash and pulse times advance the board's clock.
 #include <algorithm>
 #include <array>
@@ -23,15 +23,24 @@ namespace {
 constexpr uint32_t kParam1 = 20, kParam2 = 24, kParam3 = 28;
 constexpr uint32_t kDaaRegister = 28, kDaaValue = 29, kStatus = 8;
 
-enum Hook : uint32_t { kOnHook = 0, kOffHook = 1 };
+enum Hook : uint32_t { kOnHook = RYN_VB_HOOK_ON, kOffHook = RYN_VB_HOOK_OFF };
 // Word 6 of "Hook state changed".
-enum Cause : uint32_t { kCauseRequest = 0, kCauseFlash = 1, kCauseLineMonitor = 2, kCauseLineSense = 3 };
+enum Cause : uint32_t {
+    kCauseRequest = RYN_VB_HOOK_CAUSE_REQUEST,
+    kCauseFlash = RYN_VB_HOOK_CAUSE_FLASH,
+    kCauseLineMonitor = RYN_VB_HOOK_CAUSE_LINE_MONITOR,
+    kCauseLineSense = RYN_VB_HOOK_CAUSE_SENSE,
+};
 constexpr uint32_t kOnHookVolts = 48, kOffHookVolts = 8;
 
-// The DAA has 64 registers, 0x00 to 0x3F. Write statuses: 0 written, 1 the
-// register already held the value, 2 no such register (nothing written).
+// The DAA has 64 registers, 0x00 to 0x3F. Write statuses: written, the
+// register already held the value, no such register (nothing written).
 constexpr size_t kDaaRegisters = 64;
-enum DaaStatus : uint32_t { kDaaWritten = 0, kDaaUnchanged = 1, kDaaNoRegister = 2 };
+enum DaaStatus : uint32_t {
+    kDaaWritten = RYN_VB_DAA_WRITTEN,
+    kDaaUnchanged = RYN_VB_DAA_UNCHANGED,
+    kDaaNoRegister = RYN_VB_DAA_NO_REGISTER,
+};
 
 constexpr uint32_t kDefaultFlashMs = 600, kShortestFlashMs = 50, kLongestFlashMs = 2000;
 constexpr uint32_t kDefaultBreakMs = 60, kDefaultMakeMs = 40, kLongestPulseMs = 1000;
@@ -168,9 +177,9 @@ std::vector<uint8_t> daaRegisters(Call &, Object &object, uint32_t) {
 }
 
 const Attribute kAttributes[] = {
-    {40, 2, word<uint32_t, &Line::hook>, nullptr},
-    {41, 1, word<bool, &Line::monitor>, nullptr},
-    {42, 3, daaRegisters, nullptr},
+    {RYN_VB_ATTR_DSP_POTS_HOOK, RYN_VB_VALUE_UINT32, word<uint32_t, &Line::hook>, nullptr},
+    {RYN_VB_ATTR_DSP_POTS_MONITOR, RYN_VB_VALUE_BOOLEAN, word<bool, &Line::monitor>, nullptr},
+    {RYN_VB_ATTR_DSP_POTS_DAA, RYN_VB_VALUE_BINARY, daaRegisters, nullptr},
 };
 
 }  // namespace

@@ -66,11 +66,16 @@
 namespace vb {
 namespace {
 
-constexpr size_t kQueueCapacity = 64;
-constexpr uint32_t kFrameLimit = 8191;
+constexpr size_t kQueueCapacity = RYN_VB_HDLC_QUEUE_CAPACITY;
+constexpr uint32_t kFrameLimit = RYN_VB_HDLC_FRAME_MAX;
 constexpr uint32_t kRepeatLimit = 9;
 constexpr uint32_t kSs7Bytes = 3;
-enum Filter : uint32_t { kDropFillIn = 1, kDropLinkStatus = 2, kDropRepeated = 4, kFilterBits = 7 };
+enum Filter : uint32_t {
+    kDropFillIn = RYN_VB_SS7_FILTER_FILL_IN,
+    kDropLinkStatus = RYN_VB_SS7_FILTER_LINK_STATUS,
+    kDropRepeated = RYN_VB_SS7_FILTER_REPEATED,
+    kFilterBits = kDropFillIn | kDropLinkStatus | kDropRepeated,
+};
 
 struct Frame {
     std::vector<uint8_t> data;
@@ -311,13 +316,13 @@ uint32_t setCrossConnect(Call &, Object &object, std::span<const uint8_t> value)
 std::vector<uint8_t> queueCapacity(Call &, Object &, uint32_t) { return wordValue(kQueueCapacity); }
 
 const Attribute kAttributes[] = {
-    {100, 2, framesQueued, nullptr},
-    {101, 2, fieldValue<HdlcChannel, &HdlcChannel::dropped>, nullptr},
-    {102, 2, fieldValue<HdlcChannel, &HdlcChannel::sent>, nullptr},
-    {103, 2, fieldValue<HdlcChannel, &HdlcChannel::received>, nullptr},
-    {104, 1, crossConnect, setCrossConnect},
-    {105, 2, queueCapacity, nullptr},
-    {106, 2, fieldValue<HdlcChannel, &HdlcChannel::filtered>, nullptr},
+    {RYN_VB_ATTR_HDLC_QUEUED, RYN_VB_VALUE_UINT32, framesQueued, nullptr},
+    {RYN_VB_ATTR_HDLC_DROPPED, RYN_VB_VALUE_UINT32, fieldValue<HdlcChannel, &HdlcChannel::dropped>, nullptr},
+    {RYN_VB_ATTR_HDLC_SENT, RYN_VB_VALUE_UINT32, fieldValue<HdlcChannel, &HdlcChannel::sent>, nullptr},
+    {RYN_VB_ATTR_HDLC_RECEIVED, RYN_VB_VALUE_UINT32, fieldValue<HdlcChannel, &HdlcChannel::received>, nullptr},
+    {RYN_VB_ATTR_HDLC_CROSS_CONNECT, RYN_VB_VALUE_BOOLEAN, crossConnect, setCrossConnect},
+    {RYN_VB_ATTR_HDLC_QUEUE_CAPACITY, RYN_VB_VALUE_UINT32, queueCapacity, nullptr},
+    {RYN_VB_ATTR_HDLC_FILTERED, RYN_VB_VALUE_UINT32, fieldValue<HdlcChannel, &HdlcChannel::filtered>, nullptr},
 };
 
 }  // namespace

@@ -14,11 +14,11 @@ namespace vb {
 namespace {
 
 constexpr uint32_t kIrBits = 4, kIrCapture = 0x1;
-constexpr uint32_t kIdcodeInstruction = 0x2;  // every other code, 0xF among them, selects BYPASS
-constexpr uint32_t kIdcode = 0x1D00A0F1;
+constexpr uint32_t kIdcodeInstruction = RYN_VB_JTAG_IDCODE_INSTRUCTION;  // every other code, 0xF among them, selects BYPASS
+constexpr uint32_t kIdcode = RYN_VB_JTAG_IDCODE;
 // Control: 0 resets the TAP (the instruction becomes IDCODE), 1 enables the
 // port, 2 disables it (scans are refused).
-constexpr uint32_t kReset = 0, kEnable = 1, kDisable = 2;
+constexpr uint32_t kReset = RYN_VB_JTAG_RESET, kEnable = RYN_VB_JTAG_ENABLE, kDisable = RYN_VB_JTAG_DISABLE;
 // Scan request: bit count (0: the whole input) at 20, input block at 24 and
 // its size at 28, output block at 32 and its size at 36.
 constexpr uint32_t kCount = 20, kInput = 24, kInputSize = 28, kOutput = 32, kOutputSize = 36;
@@ -76,8 +76,8 @@ std::vector<uint8_t> instruction(Call &, Object &port, uint32_t) { return wordVa
 std::vector<uint8_t> enabled(Call &, Object &port, uint32_t) { return wordValue(port.as<Port>().enabled); }
 
 const Attribute kAttributes[] = {
-    {40, 2, instruction, nullptr},  // the instruction in force
-    {41, 1, enabled, nullptr},      // the port is enabled
+    {RYN_VB_ATTR_JTAG_INSTRUCTION, RYN_VB_VALUE_UINT32, instruction, nullptr},
+    {RYN_VB_ATTR_JTAG_ENABLED, RYN_VB_VALUE_BOOLEAN, enabled, nullptr},
 };
 
 }  // namespace

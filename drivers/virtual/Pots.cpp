@@ -12,14 +12,14 @@
 namespace vb {
 namespace {
 
-constexpr uint32_t kModeLast = 2;  // 0 600 ohm, 1 900 ohm, 2 complex impedance
+constexpr uint32_t kModeLast = RYN_VB_POTS_IMPEDANCE_COMPLEX;  // the impedances, 600 ohm first
 constexpr uint32_t kDigitArea = 32, kDigitCount = 160, kDigitLimit = 127;
-constexpr uint32_t kEndedByExchange = 0, kAnswered = 1;
+constexpr uint32_t kEndedByExchange = RYN_VB_RING_STOP_REQUESTED, kAnswered = RYN_VB_RING_STOP_ANSWERED;
 
 struct Line : ObjectState {
     bool offHook = false;
     bool ringing = false;
-    uint32_t mode = 0;
+    uint32_t mode = RYN_VB_POTS_IMPEDANCE_600_OHM;
     uint32_t flashes = 0;  // since the line went off hook
     std::string dialled;   // digits pulse-dialled since the line went off hook
 };
@@ -32,7 +32,7 @@ void setHook(Board &board, Object &object, bool offHook) {
     line.offHook = offHook;
     line.flashes = 0;
     line.dialled.clear();
-    board.post(object, kEventHookChanged, offHook ? 1 : 0);
+    board.post(object, kEventHookChanged, offHook ? RYN_VB_HOOK_OFF : RYN_VB_HOOK_ON);
     if (offHook && line.ringing) {
         line.ringing = false;
         board.post(object, kEventRingStopped, kAnswered);
@@ -114,10 +114,10 @@ std::vector<uint8_t> dialledValue(Call &, Object &object, uint32_t) { return tex
 std::vector<uint8_t> flashesValue(Call &, Object &object, uint32_t) { return wordValue(object.as<Line>().flashes); }
 
 const Attribute kAttributes[] = {
-    {40, 1, ringingValue, setRinging},  // the exchange rings the line
-    {41, 1, offHookValue, nullptr},     // the line is off hook
-    {42, 0, dialledValue, nullptr},     // digits dialled since going off hook
-    {43, 2, flashesValue, nullptr},     // hook flashes since going off hook
+    {RYN_VB_ATTR_POTS_RINGING, RYN_VB_VALUE_BOOLEAN, ringingValue, setRinging},
+    {RYN_VB_ATTR_POTS_OFF_HOOK, RYN_VB_VALUE_BOOLEAN, offHookValue, nullptr},
+    {RYN_VB_ATTR_POTS_DIALLED, RYN_VB_VALUE_TEXT, dialledValue, nullptr},  // since going off hook
+    {RYN_VB_ATTR_POTS_FLASHES, RYN_VB_VALUE_UINT32, flashesValue, nullptr},  // since going off hook
 };
 
 }  // namespace

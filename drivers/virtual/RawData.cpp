@@ -39,8 +39,8 @@
 namespace vb {
 namespace {
 
-constexpr uint32_t kSendLimit = 8191;
-constexpr size_t kReceiveCapacity = 16384;
+constexpr uint32_t kSendLimit = RYN_VB_RAW_SEND_MAX;
+constexpr size_t kReceiveCapacity = RYN_VB_RAW_BUFFER_CAPACITY;
 
 struct RawChannel : ObjectState {
     bool senderReady = false;
@@ -149,11 +149,11 @@ std::vector<uint8_t> bytesWaiting(Call &, Object &object, uint32_t) {
 std::vector<uint8_t> capacity(Call &, Object &, uint32_t) { return wordValue(kReceiveCapacity); }
 
 const Attribute kAttributes[] = {
-    {100, 2, bytesWaiting, nullptr},
-    {101, 2, fieldValue<RawChannel, &RawChannel::dropped>, nullptr},
-    {102, 2, fieldValue<RawChannel, &RawChannel::sent>, nullptr},
-    {103, 2, fieldValue<RawChannel, &RawChannel::received>, nullptr},
-    {104, 2, capacity, nullptr},
+    {RYN_VB_ATTR_RAW_WAITING, RYN_VB_VALUE_UINT32, bytesWaiting, nullptr},
+    {RYN_VB_ATTR_RAW_DROPPED, RYN_VB_VALUE_UINT32, fieldValue<RawChannel, &RawChannel::dropped>, nullptr},
+    {RYN_VB_ATTR_RAW_SENT, RYN_VB_VALUE_UINT32, fieldValue<RawChannel, &RawChannel::sent>, nullptr},
+    {RYN_VB_ATTR_RAW_RECEIVED, RYN_VB_VALUE_UINT32, fieldValue<RawChannel, &RawChannel::received>, nullptr},
+    {RYN_VB_ATTR_RAW_CAPACITY, RYN_VB_VALUE_UINT32, capacity, nullptr},
 };
 
 }  // namespace

@@ -17,9 +17,11 @@
 #include <utility>
 #include <vector>
 
+#include "RynVirtualBoard.h"
+
 namespace vb::signal {
 
-inline constexpr uint32_t kSampleRate = 8000;
+inline constexpr uint32_t kSampleRate = RYN_VB_SAMPLE_RATE;
 inline constexpr double kReferencePeak = 4096.0;
 
 // ---- Numbers ----------------------------------------------------------------
@@ -92,8 +94,13 @@ private:
 };
 
 // Effects: white noise, a square wave or a rising ramp (sawtooth).
-enum class Effect : uint32_t { Silence = 0, Noise = 1, Square = 2, Ramp = 3 };
-inline constexpr uint32_t kEffectCount = 4;
+enum class Effect : uint32_t {
+    Silence = RYN_VB_EFFECT_SILENCE,
+    Noise = RYN_VB_EFFECT_NOISE,
+    Square = RYN_VB_EFFECT_SQUARE,
+    Ramp = RYN_VB_EFFECT_RAMP,
+};
+inline constexpr uint32_t kEffectCount = RYN_VB_EFFECT_RAMP + 1;
 
 class EffectSource : public Source {
 public:
@@ -281,7 +288,7 @@ private:
 // 1200 baud frequency-shift keying: Bell 202 (mark 1200 Hz, space 2200 Hz)
 // or V.23 (mark 1300 Hz, space 2100 Hz), in asynchronous characters: a start
 // bit (space), 8 data bits from the least significant, a stop bit (mark).
-enum class FskMode : uint32_t { Bell202 = 0, V23 = 1 };
+enum class FskMode : uint32_t { Bell202 = RYN_VB_FSK_BELL202, V23 = RYN_VB_FSK_V23 };
 
 struct FskByte {
     uint8_t value;

@@ -1,13 +1,13 @@
 // SLIC lines of the virtual board: the board plays the exchange towards a
 // telephone set. Since nobody lifts a virtual handset, the set's hook is a
-// settable attribute (40); lifting it posts kEventHookChanged (value 5: 1 off
-// hook, 0 on hook) and answers a ringing line. Ringing posts
-// kEventRingStarted and kEventRingStopped (value 5: 0 stopped by the
-// application, 1 answered, 2 the SLIC was reset).
+// settable attribute (RYN_VB_ATTR_SLIC_HANDSET); lifting it posts
+// kEventHookChanged (value 5: RYN_VB_HOOK_OFF or RYN_VB_HOOK_ON) and answers a
+// ringing line. Ringing posts kEventRingStarted and kEventRingStopped (value 5:
+// RYN_VB_RING_STOP_REQUESTED by the application, _ANSWERED, _RESET).
 //
-// The calls with a value reply answer the line's state word: bit 0 the
-// handset is off hook, bit 1 the line rings, bit 2 the audio path is on,
-// bit 3 the SLIC is held in reset.
+// The calls with a value reply answer the line's state word of
+// RYN_VB_SLIC_STATE_... bits: handset off hook, ringing, audio path on, SLIC
+// held in reset.
 #include <string>
 
 #include "Families.h"
@@ -15,8 +15,16 @@
 namespace vb {
 namespace {
 
-enum Tone : uint32_t { kNoTone = 0, kDialTone, kBusyTone, kReorderTone, kCongestionTone, kRingBackTone };
-constexpr uint32_t kStoppedByApplication = 0, kAnswered = 1, kStoppedByReset = 2;
+enum Tone : uint32_t {
+    kNoTone = RYN_VB_SLIC_TONE_NONE,
+    kDialTone = RYN_VB_SLIC_TONE_DIAL,
+    kBusyTone = RYN_VB_SLIC_TONE_BUSY,
+    kReorderTone = RYN_VB_SLIC_TONE_REORDER,
+    kCongestionTone = RYN_VB_SLIC_TONE_CONGESTION,
+    kRingBackTone = RYN_VB_SLIC_TONE_RING_BACK,
+};
+constexpr uint32_t kStoppedByApplication = RYN_VB_RING_STOP_REQUESTED, kAnswered = RYN_VB_RING_STOP_ANSWERED,
+                   kStoppedByReset = RYN_VB_RING_STOP_RESET;
 constexpr uint32_t kField = 20, kNameLength = 15, kNumberLength = 10, kStampLength = 8;
 
 struct Line : ObjectState {
@@ -29,7 +37,8 @@ struct Line : ObjectState {
 Line &lineOf(Call &call) { return call.object->as<Line>(); }
 
 uint32_t stateWord(const Line &line) {
-    return (line.offHook ? 1u : 0) | (line.ringing ? 2u : 0) | (line.audio ? 4u : 0) | (line.inReset ? 8u : 0);
+    return (line.offHook ? RYN_VB_SLIC_STATE_OFF_HOOK : 0) | (line.ringing ? RYN_VB_SLIC_STATE_RINGING : 0) |
+           (line.audio ? RYN_VB_SLIC_STATE_AUDIO : 0) | (line.inReset ? RYN_VB_SLIC_STATE_RESET : 0);
 }
 
 void stopRinging(Board &board, Object &object, uint32_t why) {
@@ -72,7 +81,7 @@ uint32_t tone(Call &call) {
 }
 
 uint32_t getHookState(Call &call) {
-    call.out.u32(8, lineOf(call).offHook ? 1 : 0);
+    call.out.u32(8, lineOf(call).offHook ? RYN_VB_HOOK_OFF : RYN_VB_HOOK_ON);
     return 0;
 }
 
@@ -100,11 +109,11 @@ uint32_t enableAudio(Call &call) {
     return 0;
 }
 
-// 1 interrupts the loop current, 2 reverses the line's polarity; the audio
-// path and any tone end.
+// An open loop interrupts the loop current, a reversal reverses the line's
+// polarity; the audio path and any tone end.
 uint32_t signalDisconnect(Call &call) {
     const uint32_t signal = call.in.u32(20);
-    if (signal < 1 || signal > 2) return VB_FAILURE(kOutOfRange);
+    if (signal < RYN_VB_SLIC_DISCONNECT_OPEN_LOOP || signal > RYN_VB_SLIC_DISCONNECT_REVERSAL) return VB_FAILURE(kOutOfRange);
     Line &line = lineOf(call);
     if (line.inReset) return VB_FAILURE(kFailed);
     line.disconnect = signal;
@@ -173,7 +182,7 @@ uint32_t setHandset(Call &call, Object &object, std::span<const uint8_t> value) 
     Line &line = object.as<Line>();
     if (line.offHook == (word == 1)) return 0;
     line.offHook = word == 1;
-    call.board.post(object, kEventHookChanged, word);
+    call.board.post(object, kEventHookChanged, line.offHook ? RYN_VB_HOOK_OFF : RYN_VB_HOOK_ON);
     if (line.offHook) {
         stopRinging(call.board, object, kAnswered);
     } else {
@@ -188,10 +197,10 @@ std::vector<uint8_t> callerIdValue(Call &, Object &object, uint32_t) { return te
 std::vector<uint8_t> stateValue(Call &, Object &object, uint32_t) { return wordValue(stateWord(object.as<Line>())); }
 
 const Attribute kAttributes[] = {
-    {40, 1, handsetValue, setHandset},  // the handset is off hook
-    {41, 2, toneValue, nullptr},        // 0 none, 1 dial, 2 busy, 3 reorder, 4 congestion, 5 ring-back
-    {42, 0, callerIdValue, nullptr},    // the last caller identification sent
-    {43, 2, stateValue, nullptr},       // the state word
+    {RYN_VB_ATTR_SLIC_HANDSET, RYN_VB_VALUE_BOOLEAN, handsetValue, setHandset},
+    {RYN_VB_ATTR_SLIC_TONE, RYN_VB_VALUE_UINT32, toneValue, nullptr},
+    {RYN_VB_ATTR_SLIC_CALLER_ID, RYN_VB_VALUE_TEXT, callerIdValue, nullptr},  // the last one sent
+    {RYN_VB_ATTR_SLIC_STATE, RYN_VB_VALUE_UINT32, stateValue, nullptr},
 };
 
 }  // namespace

@@ -19,20 +19,21 @@ namespace vb {
 namespace {
 
 // Line-interface modes.
-constexpr uint32_t kModeT1 = 0, kModeE1 = 1;
+constexpr uint32_t kModeT1 = RYN_VB_T1E1_MODE_T1, kModeE1 = RYN_VB_T1E1_MODE_E1;
 // Line loops: a local loop turns the span's transmitter back into its own
 // receiver; a remote loop sends what the span receives back to the far end.
-constexpr uint32_t kLoopNone = 0, kLoopLocal = 1, kLoopRemote = 2;
+constexpr uint32_t kLoopNone = RYN_VB_T1E1_LOOP_NONE, kLoopLocal = RYN_VB_T1E1_LOOP_LOCAL,
+                   kLoopRemote = RYN_VB_T1E1_LOOP_REMOTE;
 // Alarms a span can transmit (a mask).
-constexpr uint32_t kAlarmAis = 1u << 0, kAlarmRai = 1u << 1, kAlarmsAll = kAlarmAis | kAlarmRai;
+constexpr uint32_t kAlarmAis = RYN_VB_T1E1_ALARM_AIS, kAlarmRai = RYN_VB_T1E1_ALARM_RAI, kAlarmsAll = kAlarmAis | kAlarmRai;
 
 // The layer-1 status word.
-constexpr uint32_t kStatusSync = 1u << 0;      // frame alignment found
-constexpr uint32_t kStatusLos = 1u << 1;       // loss of signal
-constexpr uint32_t kStatusAis = 1u << 2;       // all ones received (blue alarm)
-constexpr uint32_t kStatusRai = 1u << 3;       // remote alarm received (yellow alarm)
-constexpr uint32_t kStatusLoop = 1u << 4;      // a line loop is set on this span
-constexpr uint32_t kStatusPrbsSync = 1u << 5;  // the PRBS tester receives its own pattern
+constexpr uint32_t kStatusSync = RYN_VB_T1E1_STATUS_FRAME_SYNC; // frame alignment found
+constexpr uint32_t kStatusLos = RYN_VB_T1E1_STATUS_LOS; // loss of signal
+constexpr uint32_t kStatusAis = RYN_VB_T1E1_STATUS_AIS; // all ones received (blue alarm)
+constexpr uint32_t kStatusRai = RYN_VB_T1E1_STATUS_RAI; // remote alarm received (yellow alarm)
+constexpr uint32_t kStatusLoop = RYN_VB_T1E1_STATUS_LOOP; // a line loop is set on this span
+constexpr uint32_t kStatusPrbsSync = RYN_VB_T1E1_STATUS_PRBS_SYNC; // the PRBS tester receives its own pattern
 constexpr uint32_t kStatusAlarms = kStatusAis | kStatusRai;
 
 constexpr uint32_t kSlots = 32;  // time slots; T1 channels 1..24, E1 1..15 and 17..31
@@ -40,8 +41,9 @@ constexpr uint32_t kT1Config = 60, kE1Config = 56, kBitRecord = 16, kStatusEx = 
 constexpr uint32_t kSaFirst = 4, kSaLast = 8;  // Sa4..Sa8
 
 struct Span : ObjectState {
-    uint32_t mode = kModeT1, loop = kLoopNone, termination = 0, monitor = 0, transmit = 1, alarms = 0;
-    uint32_t prbsPattern = 0, prbsInverted = 0, dataLink = 0;
+    uint32_t mode = kModeT1, loop = kLoopNone, termination = RYN_VB_T1E1_TERMINATION_100_OHM, monitor = 0,
+             transmit = RYN_VB_T1E1_TRANSMITTER_ON, alarms = 0;
+    uint32_t prbsPattern = RYN_VB_T1E1_PRBS_OFF, prbsInverted = 0, dataLink = 0;
     std::array<uint8_t, kT1Config> t1Config{};
     std::array<uint8_t, kE1Config> e1Config{};
     std::array<uint8_t, kSlots> signalling{};  // transmitted ABCD nibble per time slot
@@ -87,7 +89,7 @@ uint32_t status(Board &board, Object &span) {
     // A span without frame alignment sends RAI by itself.
     const bool fromFramed = &from == &l.self || framed(Link{l.far, l.self});
     if ((from.alarms & kAlarmRai) != 0 || !fromFramed) word |= kStatusRai;
-    if (l.self.prbsPattern != 0 && from.prbsPattern == l.self.prbsPattern && from.prbsInverted == l.self.prbsInverted)
+    if (l.self.prbsPattern != RYN_VB_T1E1_PRBS_OFF && from.prbsPattern == l.self.prbsPattern && from.prbsInverted == l.self.prbsInverted)
         word |= kStatusPrbsSync;
     return word;
 }
@@ -155,26 +157,26 @@ uint32_t forceResynch(Call &call) {
     return 0;
 }
 
-// Pattern 0 off, 1 2^15-1, 2 2^20-1, 3 2^23-1; then 0 normal, 1 inverted.
+// A pattern (RYN_VB_T1E1_PRBS_...), then 0 normal, 1 inverted.
 uint32_t setPrbs(Call &call) {
     const uint32_t pattern = call.in.u32(20), inverted = call.in.u32(24);
-    if (pattern > 3 || inverted > 1) return VB_FAILURE(kOutOfRange);
+    if (pattern > RYN_VB_T1E1_PRBS_23 || inverted > 1) return VB_FAILURE(kOutOfRange);
     spanOf(call).prbsPattern = pattern;
     spanOf(call).prbsInverted = inverted;
     return 0;
 }
 
-// Defect 0 inserts a bit error, 1 a code violation, in the transmitted signal.
+// Inserts a bit error or a code violation in the transmitted signal.
 uint32_t insertDefect(Call &call) {
     const uint32_t defect = call.in.u32(20);
-    if (defect > 1) return VB_FAILURE(kOutOfRange);
+    if (defect > RYN_VB_T1E1_DEFECT_CODE_VIOLATION) return VB_FAILURE(kOutOfRange);
     const Span *self = &spanOf(call);
     for (uint32_t id = 0; id < 2; ++id) {
         Object *span = call.board.findDevice(kTypeT1E1, id);
         if (span == nullptr || (status(call.board, *span) & kStatusLos) != 0) continue;
         Span &receiver = span->as<Span>();
         if (&origin(linkOf(call.board, *span)) != self) continue;
-        ++(defect == 0 ? receiver.bitErrors : receiver.codeViolations);
+        ++(defect == RYN_VB_T1E1_DEFECT_BIT_ERROR ? receiver.bitErrors : receiver.codeViolations);
     }
     return 0;
 }
@@ -297,8 +299,8 @@ constexpr Row kRows[] = {
     {0x9A1, 24, 12, settled<setValue<&S::loop, kLoopRemote>>},
     {0x9A2, 20, 12, settled<forceResynch>},
     {0x9A3, 20, 16, settled<getStatus>},
-    {0x9A4, 24, 12, settled<setValue<&S::transmit, 1>>},
-    {0x9A5, 24, 12, settled<setValue<&S::termination, 2>>},
+    {0x9A4, 24, 12, settled<setValue<&S::transmit, RYN_VB_T1E1_TRANSMITTER_ON>>},
+    {0x9A5, 24, 12, settled<setValue<&S::termination, RYN_VB_T1E1_TERMINATION_75_OHM>>},
     {0x9A6, 24, 12, settled<setValue<&S::monitor, 1>>},
     {0x9A7, 28, 12, settled<setPrbs>},
     {0x9A8, 20 + kBitRecord, 12, settled<inMode<kModeT1, setBitRecord>>},
@@ -330,9 +332,9 @@ std::vector<uint8_t> dataLinkAttribute(Call &call, Object &span, uint32_t) {
 }
 
 const Attribute kAttributes[] = {
-    {40, 2, statusAttribute, nullptr},    // layer-1 status word
-    {41, 0, modeAttribute, nullptr},      // "T1" or "E1"
-    {42, 2, dataLinkAttribute, nullptr},  // data-link bits received (T1)
+    {RYN_VB_ATTR_T1E1_STATUS, RYN_VB_VALUE_UINT32, statusAttribute, nullptr},
+    {RYN_VB_ATTR_T1E1_MODE, RYN_VB_VALUE_TEXT, modeAttribute, nullptr},
+    {RYN_VB_ATTR_T1E1_DATA_LINK, RYN_VB_VALUE_UINT32, dataLinkAttribute, nullptr},  // received (T1)
 };
 
 }  // namespace

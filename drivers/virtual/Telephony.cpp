@@ -1,12 +1,10 @@
 // Telephony blocks of the virtual board.
 //
-// Block types, created on a DSP with RynDrvCreateLogicalDevice:
-//   120 DTMF dialler                  125 echo canceller
-//   121 voice activity detector       126 call-progress tone detector
-//   122 DTMF detector                 127 call-progress tone generator
-//   123 comfort noise generator       128 caller identification detector
-//   124 voice mixer
-// Types 129 to 139 are kept for later blocks: such a block can be created but
+// Block types (RYN_VB_BLOCK_CST_...), created on a DSP with
+// RynDrvCreateLogicalDevice: DTMF dialler, voice activity detector, DTMF
+// detector, comfort noise generator, voice mixer, echo canceller,
+// call-progress tone detector and generator, caller identification detector.
+// Types after these, up to 139, are kept for later blocks: such a block can be created but
 // answers no request. Each type answers its own requests only; another
 // type's request is refused as not provided (the function numbers of these
 // blocks and of the DSP's POTS block are shared; the block type tells them
@@ -45,15 +43,15 @@ namespace vb {
 namespace {
 
 enum TelephonyType : int32_t {
-    kDtmfDialler = 120,
-    kVoiceActivityDetector = 121,
-    kDtmfDetector = 122,
-    kComfortNoiseGenerator = 123,
-    kVoiceMixer = 124,
-    kEchoCanceller = 125,
-    kCptDetector = 126,
-    kCptGenerator = 127,
-    kCallerIdDetector = 128,
+    kDtmfDialler = RYN_VB_BLOCK_CST_DTMF_DIALLER,
+    kVoiceActivityDetector = RYN_VB_BLOCK_CST_VOICE_ACTIVITY_DETECTOR,
+    kDtmfDetector = RYN_VB_BLOCK_CST_DTMF_DETECTOR,
+    kComfortNoiseGenerator = RYN_VB_BLOCK_CST_COMFORT_NOISE_GENERATOR,
+    kVoiceMixer = RYN_VB_BLOCK_CST_VOICE_MIXER,
+    kEchoCanceller = RYN_VB_BLOCK_CST_ECHO_CANCELLER,
+    kCptDetector = RYN_VB_BLOCK_CST_CPT_DETECTOR,
+    kCptGenerator = RYN_VB_BLOCK_CST_CPT_GENERATOR,
+    kCallerIdDetector = RYN_VB_BLOCK_CST_CALLER_ID_DETECTOR,
 };
 
 // Request fields common to the set-ups; status replies carry the status at 8.
@@ -61,8 +59,8 @@ constexpr uint32_t kParam1 = 20;
 constexpr uint32_t kParam2 = 24;
 constexpr uint32_t kStatus = 8;
 
-// Attribute 40: how the block was set up.
-enum SetUp : uint32_t { kNotSetUp = 0, kBasicSetUp = 1, kExtendedSetUp = 2 };
+// RYN_VB_ATTR_CST_SET_UP: how the block was set up.
+enum SetUp : uint32_t { kNotSetUp = RYN_VB_CST_NOT_SET_UP, kBasicSetUp = RYN_VB_CST_BASIC, kExtendedSetUp = RYN_VB_CST_EXTENDED };
 
 struct Block : ObjectState {
     uint32_t setUp = kNotSetUp;
@@ -447,12 +445,12 @@ struct ProgressTone {
     signal::Pair pair;     // 0 Hz: none
     uint32_t onMs, offMs;  // offMs 0: a steady tone
 };
-constexpr uint32_t kNoTone = 0;
+constexpr uint32_t kNoTone = RYN_VB_CPT_SILENCE;
 constexpr ProgressTone kProgressTones[] = {
-    {1, {350, 440}, 0, 0},        // dial tone
-    {2, {480, 620}, 500, 500},    // busy
-    {3, {440, 480}, 2000, 4000},  // ringback
-    {4, {480, 620}, 250, 250},    // reorder (congestion)
+    {RYN_VB_CPT_DIAL, {350, 440}, 0, 0},
+    {RYN_VB_CPT_BUSY, {480, 620}, 500, 500},
+    {RYN_VB_CPT_RINGBACK, {440, 480}, 2000, 4000},
+    {RYN_VB_CPT_REORDER, {480, 620}, 250, 250},  // congestion
 };
 constexpr double kProgressFrequencies[] = {350, 440, 480, 620};
 constexpr uint32_t kSteadyToneMs = 500;  // a steady tone is recognised after this long
@@ -759,9 +757,9 @@ void cptFrame(Board &board, Object &block, CptDetector &detector, std::span<cons
 // parameters are passed over, and the parameters end at one that runs past
 // the body. Other message types leave the fields empty.
 
-constexpr uint32_t kBell202 = 0, kV23 = 1;
+constexpr uint32_t kBell202 = RYN_VB_FSK_BELL202, kV23 = RYN_VB_FSK_V23;
 constexpr size_t kDateDigits = 8;
-constexpr uint8_t kSingleMessage = 0x04, kMultipleMessage = 0x80;
+constexpr uint8_t kSingleMessage = RYN_VB_CID_SINGLE_MESSAGE, kMultipleMessage = RYN_VB_CID_MULTIPLE_MESSAGE;
 enum Parameter : uint8_t { kDate = 0x01, kNumber = 0x02, kNoNumber = 0x04, kName = 0x07, kNoName = 0x08 };
 
 struct CallerId {
@@ -908,11 +906,11 @@ std::vector<uint8_t> checksumGood(Call &call, Object &object, uint32_t) {
     return id != nullptr ? wordValue(id->checksumGood ? 1 : 0) : std::vector<uint8_t>{};
 }
 
-// Attribute 31 (set only) of a block that takes samples: the application's
+// RYN_VB_ATTR_AUDIO_IN (set only) of a block that takes samples: the application's
 // samples (little-endian, an even number of bytes, at most 64 KiB) run
 // through the block as if they came from a connection, in 20 ms frames on
 // the board's clock.
-constexpr uint32_t kAudioBytes = 65536;
+constexpr uint32_t kAudioBytes = RYN_VB_AUDIO_MAX_BYTES;
 
 bool takesSamples(int32_t type) {
     return type == kVoiceActivityDetector || type == kDtmfDetector || type == kVoiceMixer || type == kEchoCanceller ||
@@ -936,15 +934,13 @@ std::vector<uint8_t> noAudioOut(Call &call, Object &, uint32_t capacity) {
     return {};
 }
 
-constexpr uint32_t kText = 0, kBoolean = 1, kWord = 2, kBinary = 3;
-
 const Attribute kAttributes[] = {
-    {31, kBinary, noAudioOut, receiveAudio},
-    {40, kWord, setUpValue, nullptr},
-    {41, kText, callerIdText<&CallerId::date>, nullptr},
-    {42, kText, callerIdText<&CallerId::number>, nullptr},
-    {43, kText, callerIdText<&CallerId::name>, nullptr},
-    {44, kBoolean, checksumGood, nullptr},
+    {RYN_VB_ATTR_AUDIO_IN, RYN_VB_VALUE_BINARY, noAudioOut, receiveAudio},
+    {RYN_VB_ATTR_CST_SET_UP, RYN_VB_VALUE_UINT32, setUpValue, nullptr},
+    {RYN_VB_ATTR_CID_DATE, RYN_VB_VALUE_TEXT, callerIdText<&CallerId::date>, nullptr},
+    {RYN_VB_ATTR_CID_NUMBER, RYN_VB_VALUE_TEXT, callerIdText<&CallerId::number>, nullptr},
+    {RYN_VB_ATTR_CID_NAME, RYN_VB_VALUE_TEXT, callerIdText<&CallerId::name>, nullptr},
+    {RYN_VB_ATTR_CID_CHECKSUM_OK, RYN_VB_VALUE_BOOLEAN, checksumGood, nullptr},
 };
 
 }  // namespace

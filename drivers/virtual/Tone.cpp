@@ -5,9 +5,9 @@
 // The signal processing itself is in Signal.cpp.
 //
 // Samples flow three ways: a dial or sequence send plays its whole string
-// at once to the connected blocks; attribute 30 renders a generator's
+// at once to the connected blocks; RYN_VB_ATTR_AUDIO_OUT renders a generator's
 // output for the application (and, for the free-running generators, to the
-// connected blocks); attribute 31 hands the application's samples to a
+// connected blocks); RYN_VB_ATTR_AUDIO_IN hands the application's samples to a
 // detector. Whatever plays advances the board clock by its duration, 10 ms
 // at a time, so that events carry the time they were found.
 #include <algorithm>
@@ -39,7 +39,7 @@ constexpr uint32_t kMaxAttenuation = 60;  // generator levels, dB below the refe
 constexpr uint32_t kMaxThreshold = 90;    // detector levels
 constexpr uint32_t kMaxHold = 0xFFFF, kMaxRepeats = 1000;
 constexpr uint64_t kMaxSequenceSamples = 80000;  // 10 s
-constexpr uint32_t kAudioBytes = 65536;          // per attribute call
+constexpr uint32_t kAudioBytes = RYN_VB_AUDIO_MAX_BYTES;  // per attribute call
 constexpr uint32_t kChunk = 80;                  // samples between clock steps (10 ms)
 constexpr uint32_t kMinWindow = signal::kDigitWindow, kMaxWindow = 1024;
 
@@ -51,7 +51,7 @@ constexpr DialDefaults kMfDial{68, 68, 100};  // KP longer
 constexpr uint32_t kDigitMs = 40, kPauseMs = 40, kDetectDb = 30, kSilenceDb = 40, kSilenceMs = 200;
 constexpr uint32_t kDialToneMs = 100;
 constexpr uint32_t kFskFloorDb = 40;
-constexpr size_t kFskKept = 64;  // bytes the FSK detector keeps for attribute 41
+constexpr size_t kFskKept = 64;  // bytes the FSK detector keeps for RYN_VB_ATTR_FSK_BYTES
 constexpr int32_t kMfTwist = 6, kToneTwist = 6;
 
 // The board's dial tone: 350 + 440 Hz, or 425 Hz alone.
@@ -77,9 +77,9 @@ struct Generator : ObjectState {
 struct Detector : ObjectState {
     std::unique_ptr<signal::Receiver> receiver;  // none: nothing to detect yet
     uint8_t lastDigit = 0;
-    uint32_t samplerMode = 0;
+    uint32_t samplerMode = RYN_VB_SAMPLER_LATEST;
     int16_t lastSample = 0, peak = 0;
-    uint32_t fskMode = 0;
+    uint32_t fskMode = RYN_VB_FSK_BELL202;
     std::optional<signal::FskReceiver> fsk;  // made from fskMode on the first samples
     uint32_t fskCount = 0;
     std::vector<uint8_t> fskLast;  // the last bytes received, the oldest first
@@ -396,18 +396,18 @@ void setReceiver(Call &call, std::unique_ptr<signal::Receiver> receiver) {
     call.object->as<Detector>().receiver = std::move(receiver);
 }
 
-// param1: 0 the latest sample, 1 the largest magnitude since the last read.
+// param1: the latest sample, or the largest magnitude since the last read.
 uint32_t samplerInit(Call &call) {
     const uint32_t mode = call.in.u32(kParam1);
-    if (mode > 1) return VB_FAILURE(kOutOfRange);
+    if (mode > RYN_VB_SAMPLER_PEAK) return VB_FAILURE(kOutOfRange);
     call.object->as<Detector>().samplerMode = mode;
     return 0;
 }
 
 uint32_t samplerRead(Call &call) {
     Detector &d = call.object->as<Detector>();
-    call.out.u16(kValueReply, static_cast<uint16_t>(d.samplerMode == 0 ? d.lastSample : d.peak));
-    if (d.samplerMode == 1) d.peak = 0;
+    call.out.u16(kValueReply, static_cast<uint16_t>(d.samplerMode == RYN_VB_SAMPLER_LATEST ? d.lastSample : d.peak));
+    if (d.samplerMode == RYN_VB_SAMPLER_PEAK) d.peak = 0;
     return 0;
 }
 
@@ -437,11 +437,11 @@ uint32_t mfDetectorInit(Call &call) {
     return 0;
 }
 
-// param1: 0 Bell 202 (1200/2200 Hz), 1 V.23 (1300/2100 Hz). The detector
+// param1: Bell 202 (1200/2200 Hz) or V.23 (1300/2100 Hz). The detector
 // starts afresh: the receiver, the count and the bytes kept.
 uint32_t fskInit(Call &call) {
     const uint32_t mode = call.in.u32(kParam1);
-    if (mode > 1) return VB_FAILURE(kOutOfRange);
+    if (mode > RYN_VB_FSK_V23) return VB_FAILURE(kOutOfRange);
     Detector &d = call.object->as<Detector>();
     d.fskMode = mode;
     d.fsk.reset();
@@ -535,10 +535,7 @@ constexpr Row kTone[] = {
 
 // ---- Audio attributes -------------------------------------------------------
 
-constexpr int32_t kAttributeAudioOut = 30, kAttributeAudioIn = 31;
-constexpr uint32_t kTypeBinary = 3;
-
-// Attribute 30 of a generator: the next samples of its output (as many as
+// RYN_VB_ATTR_AUDIO_OUT of a generator: the next samples of its output (as many as
 // the caller's buffer holds, at most 64 KiB, else error 9), little-endian;
 // another block has no output to give (error 6). A free-running
 // generator's samples also go to the connected blocks; a dialler's or
@@ -557,7 +554,7 @@ std::vector<uint8_t> renderAudio(Call &call, Object &block, uint32_t capacity) {
     return signal::toLittleEndian(samples);
 }
 
-// Attribute 31 of a detector or sampler: samples (little-endian, an even
+// RYN_VB_ATTR_AUDIO_IN of a detector or sampler: samples (little-endian, an even
 // number of bytes, at most 64 KiB) that it receives as from a connection.
 uint32_t receiveAudio(Call &call, Object &block, std::span<const uint8_t> value) {
     if (!isReceiver(block.type)) return VB_FAILURE(kNotProvided);
@@ -567,7 +564,7 @@ uint32_t receiveAudio(Call &call, Object &block, std::span<const uint8_t> value)
     return 0;
 }
 
-// Attributes 40 and 41 of the FSK detector (read-only): the count of bytes
+// RYN_VB_ATTR_FSK_COUNT and RYN_VB_ATTR_FSK_BYTES of the FSK detector (read-only): the count of bytes
 // received since its set-up, and the last of them (at most 64, as many as
 // the caller's buffer holds), the oldest first.
 Detector *fskOf(Call &call, Object &block) {
@@ -588,20 +585,17 @@ std::vector<uint8_t> fskBytes(Call &call, Object &block, uint32_t capacity) {
     return {d->fskLast.end() - static_cast<std::ptrdiff_t>(count), d->fskLast.end()};
 }
 
-// Attribute 31 is set only.
+// RYN_VB_ATTR_AUDIO_IN is set only.
 std::vector<uint8_t> nothing(Call &call, Object &, uint32_t capacity) {
     if (capacity != 0) call.refusal = VB_FAILURE(kNotProvided);
     return {};
 }
 
-constexpr int32_t kAttributeFskCount = 40, kAttributeFskBytes = 41;
-constexpr uint32_t kTypeWord = 2;
-
 const Attribute kAttributes[] = {
-    {kAttributeAudioOut, kTypeBinary, renderAudio, nullptr},
-    {kAttributeAudioIn, kTypeBinary, nothing, receiveAudio},
-    {kAttributeFskCount, kTypeWord, fskCount, nullptr},
-    {kAttributeFskBytes, kTypeBinary, fskBytes, nullptr},
+    {RYN_VB_ATTR_AUDIO_OUT, RYN_VB_VALUE_BINARY, renderAudio, nullptr},
+    {RYN_VB_ATTR_AUDIO_IN, RYN_VB_VALUE_BINARY, nothing, receiveAudio},
+    {RYN_VB_ATTR_FSK_COUNT, RYN_VB_VALUE_UINT32, fskCount, nullptr},
+    {RYN_VB_ATTR_FSK_BYTES, RYN_VB_VALUE_BINARY, fskBytes, nullptr},
 };
 
 }  // namespace

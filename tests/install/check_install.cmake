@@ -1,7 +1,7 @@
 # Installs the build into a fresh prefix, then builds an example program
-# against the installed tree twice, with pkg-config and with find_package,
-# and runs both: they find the library and its driver module with no
-# configuration.
+# against the installed tree with pkg-config (shared and static) and with
+# find_package, and runs each: they find the library and its driver module
+# with no configuration.
 #   -DBUILD=<build dir> -DWORK=<scratch dir> -DEXAMPLE=<C source> -DCC=<C compiler>
 file(REMOVE_RECURSE ${WORK})
 set(prefix ${WORK}/prefix)
@@ -17,13 +17,14 @@ endfunction()
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
 file(GLOB libdirs LIST_DIRECTORIES true ${prefix}/lib*)
 list(GET libdirs 0 libdir)
-foreach(installed include/RynHwDll.h include/Osa.h include/RynUserDriver.h bin/rynctl)
+foreach(installed include/ryn/RynHwDll.h include/ryn/Osa.h include/ryn/RynUserDriver.h include/ryn/RynVirtualBoard.h
+        bin/rynctl share/man/man1/rynctl.1)
   if(NOT EXISTS ${prefix}/${installed})
     message(FATAL_ERROR "not installed: ${installed}")
   endif()
 endforeach()
-foreach(installed libRynHwDll.so libRynHwDll.so.2 ryn-drivers/ryndrv.so ryn-drivers/rynnet.so pkgconfig/ryn-hw.pc
-        cmake/RynHwDll/RynHwDllConfig.cmake)
+foreach(installed libRynHwDll.so libRynHwDll.so.2 libRynHwDllStatic.a ryn-drivers/ryndrv.so ryn-drivers/rynnet.so
+        pkgconfig/ryn-hw.pc pkgconfig/ryn-hw-static.pc cmake/RynHwDll/RynHwDllConfig.cmake)
   if(NOT EXISTS ${libdir}/${installed})
     message(FATAL_ERROR "not installed: ${libdir}/${installed}")
   endif()
@@ -33,8 +34,14 @@ endforeach()
 set(ENV{PKG_CONFIG_PATH} ${libdir}/pkgconfig)
 run(pkg-config --cflags --libs ryn-hw)
 separate_arguments(flags UNIX_COMMAND "${output}")
-run(${CC} -std=c99 -Wall -Wextra -Werror -o ${WORK}/with-pkg-config ${EXAMPLE} ${flags} -Wl,-rpath,${libdir})
+# The run path comes from the .pc file: nothing else tells the program where the library is.
+run(${CC} -std=c99 -Wall -Wextra -Werror -o ${WORK}/with-pkg-config ${EXAMPLE} ${flags})
 run(${WORK}/with-pkg-config)
+# A program with the library linked in finds driver modules beside itself.
+run(pkg-config --cflags --libs ryn-hw-static)
+separate_arguments(flags UNIX_COMMAND "${output}")
+run(${CC} -std=c99 -Wall -Wextra -Werror -o ${libdir}/with-static-library ${EXAMPLE} ${flags})
+run(${libdir}/with-static-library)
 
 # find_package
 run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/consumer -B ${WORK}/consumer -DCMAKE_PREFIX_PATH=${prefix}

@@ -20,35 +20,38 @@ TEST_F(VirtualBoardTest, EnumerationWalksTheDeviceTree) {
     for (RynDrvIteratorBegin(&iterator); RynDrvIsIteratorEnd(&iterator) && types.size() < 20;)
         types.push_back(got<int32_t>(RynDrvEnumDeviceType, 0, &iterator));
     for (RynDrvIteratorBegin(&iterator); RynDrvIsIteratorEnd(&iterator) && ids.size() < 20;)
-        ids.push_back(got(RynDrvEnumDevice, 0, kT1E1, &iterator));
-    EXPECT_EQ(types, (std::vector<int32_t>{kBoard, kT1E1, kDsp, kHdlc, kRawData, kBurst, kPots, kSlic, kJtag}));
+        ids.push_back(got(RynDrvEnumDevice, 0, RYN_VB_DEVICE_T1E1, &iterator));
+    EXPECT_EQ(types, (std::vector<int32_t>{RYN_VB_DEVICE_BOARD, RYN_VB_DEVICE_T1E1, RYN_VB_DEVICE_DSP, RYN_VB_DEVICE_HDLC,
+                                           RYN_VB_DEVICE_RAW_DATA, RYN_VB_DEVICE_BURST, RYN_VB_DEVICE_POTS,
+                                           RYN_VB_DEVICE_SLIC, RYN_VB_DEVICE_JTAG}));
     EXPECT_EQ(ids, (std::vector<uint32_t>{0, 1}));
 
     // Handles: physical kind, stable, the same from the open call; no third span.
     DeviceHandle opened = 0;
-    EXPECT_EQ(RynDrvOpenPhysicalDevice(kT1E1, 1, 0, 0, 0, &opened), 0u);
-    EXPECT_EQ(opened, device(kT1E1, 1));
+    EXPECT_EQ(RynDrvOpenPhysicalDevice(RYN_VB_DEVICE_T1E1, 1, 0, 0, 0, &opened), 0u);
+    EXPECT_EQ(opened, device(RYN_VB_DEVICE_T1E1, 1));
     EXPECT_EQ(opened & RYN_HANDLE_KIND_MASK, RYN_HANDLE_PHYSICAL);
     DeviceHandle none = 0;
-    EXPECT_TRUE(failed(RynDrvGetDeviceHandle(0, kT1E1, 2, &none)));
+    EXPECT_TRUE(failed(RynDrvGetDeviceHandle(0, RYN_VB_DEVICE_T1E1, 2, &none)));
     EXPECT_EQ(none, 0xFFFFFFFFu);
 }
 
 TEST_F(VirtualBoardTest, AttributesOfTheDriverAndOfObjects) {
-    const DeviceHandle dsp = device(kDsp, 1);
-    EXPECT_EQ(text(0, 13) + "|" + text(dsp, 3), "1.01.47.0|DSP 1");
+    const DeviceHandle dsp = device(RYN_VB_DEVICE_DSP, 1);
+    EXPECT_EQ(text(0, RYN_VB_ATTR_DRIVER_VERSION) + "|" + text(dsp, RYN_VB_ATTR_NAME), RYN_VB_DRIVER_VERSION_TEXT "|DSP 1");
 
     // The label is the application's; the device type is read-only.
-    EXPECT_EQ(RynDrvSetAttributeValueUint32(dsp, 5, 0xC0FFEE), 0u);
-    EXPECT_EQ(attribute(dsp, 5), 0xC0FFEEu);
-    EXPECT_TRUE(failed(RynDrvSetAttributeValueUint32(dsp, 1, 7)));
+    EXPECT_EQ(RynDrvSetAttributeValueUint32(dsp, RYN_VB_ATTR_LABEL, 0xC0FFEE), 0u);
+    EXPECT_EQ(attribute(dsp, RYN_VB_ATTR_LABEL), 0xC0FFEEu);
+    EXPECT_TRUE(failed(RynDrvSetAttributeValueUint32(dsp, RYN_VB_ATTR_DEVICE_TYPE, 7)));
     uint32_t type = 0, size = 0, flags = 0;
-    EXPECT_EQ((std::tuple{RynDrvGetAttributeType(dsp, 1, &type, &size, &flags), type, size}), std::tuple(0u, 2u, 4u));
+    EXPECT_EQ((std::tuple{RynDrvGetAttributeType(dsp, RYN_VB_ATTR_DEVICE_TYPE, &type, &size, &flags), type, size}),
+              std::tuple(0u, RYN_VB_VALUE_UINT32, 4u));
 
     // A buffer too small for the value: error 9, the size reported, the buffer kept.
     char small[4] = {'x', 'x', 'x', 'x'};
     uint32_t length = 0, value = 0;
-    const ResultCode code = RynDrvGetAttributeValue(0, 13, small, sizeof small, &length);
+    const ResultCode code = RynDrvGetAttributeValue(0, RYN_VB_ATTR_DRIVER_VERSION, small, sizeof small, &length);
     EXPECT_EQ(errorOf(code), 9u);
     EXPECT_EQ(length, 10u);
     EXPECT_EQ(std::memcmp(small, "xxxx", 4), 0);
@@ -56,7 +59,7 @@ TEST_F(VirtualBoardTest, AttributesOfTheDriverAndOfObjects) {
 }
 
 TEST_F(VirtualBoardTest, EventQueuesDeliverAcrossThreads) {
-    const DeviceHandle span = device(kT1E1);
+    const DeviceHandle span = device(RYN_VB_DEVICE_T1E1);
     EventListener listener(span);
     EventData record{};
     std::thread poster([&] { RynDrvSetEventData(span, 0, 77, 1, 2, 3, 4); });
@@ -66,15 +69,15 @@ TEST_F(VirtualBoardTest, EventQueuesDeliverAcrossThreads) {
     EXPECT_NE(record.word[0] | record.word[1], 0u);  // board time
 
     // Other objects' events do not reach this queue; an empty queue says so.
-    RynDrvEnable(device(kDsp), 0, 0);
+    RynDrvEnable(device(RYN_VB_DEVICE_DSP), 0, 0);
     EXPECT_TRUE(isEmpty(RynDrvGetEventData(listener.queue(), &record)));
     char text[256];
-    EXPECT_EQ(RynDrvEventCode2String(0, 0x0500, 0, text), 0u);
-    EXPECT_STREQ(text, "DTMF digit detected");
+    EXPECT_EQ(RynDrvEventCode2String(0, RYN_VB_EVENT_DTMF_DIGIT, 0, text), 0u);
+    EXPECT_STREQ(text, RYN_VB_EVENT_DTMF_DIGIT_TEXT);
 }
 
 TEST_F(VirtualBoardTest, ThreadsCallAtOnce) {
-    const DeviceHandle dsp = device(kDsp);
+    const DeviceHandle dsp = device(RYN_VB_DEVICE_DSP);
     std::atomic<int> wrong{0};
     std::vector<std::thread> threads;
     for (uint32_t t = 0; t < 4; ++t)
@@ -92,19 +95,19 @@ TEST_F(VirtualBoardTest, ThreadsCallAtOnce) {
 }
 
 TEST_F(VirtualBoardTest, BlocksPipesAndConnectionsLiveUntilClosed) {
-    DeviceHandle pipe = 0, generator = block(103), closed = 0;
+    DeviceHandle pipe = 0, generator = block(RYN_VB_BLOCK_SINE_WAVE_GENERATOR), closed = 0;
     ASSERT_EQ(RynDrvCreatePipe(0, &pipe), 0u);
     EXPECT_EQ(generator & RYN_HANDLE_KIND_MASK, RYN_HANDLE_LOGICAL);
     EXPECT_EQ(RynDrvConnectLogicalDevice(generator, 0, pipe, 0), 0u);
-    EXPECT_EQ(RynDrvConnectPipe(pipe, 1, device(kT1E1), 3, nullptr, 0), 0u);
+    EXPECT_EQ(RynDrvConnectPipe(pipe, 1, device(RYN_VB_DEVICE_T1E1), 3, nullptr, 0), 0u);
     EXPECT_EQ(RynDrvDisconnectLogicalDevice(generator, 0, pipe, 0), 0u);
     EXPECT_TRUE(failed(RynDrvDisconnectLogicalDevice(generator, 0, pipe, 0)));
     // No blocks on a line device; no block of an unknown type.
-    EXPECT_EQ(errorOf(RynDrvCreateLogicalDevice(device(kT1E1), 103, 0, 0, &closed)), 11u);
-    EXPECT_EQ(errorOf(RynDrvCreateLogicalDevice(device(kDsp), 99, 0, 0, &closed)), 17u);
+    EXPECT_EQ(errorOf(RynDrvCreateLogicalDevice(device(RYN_VB_DEVICE_T1E1), RYN_VB_BLOCK_SINE_WAVE_GENERATOR, 0, 0, &closed)), 11u);
+    EXPECT_EQ(errorOf(RynDrvCreateLogicalDevice(device(RYN_VB_DEVICE_DSP), 99, 0, 0, &closed)), 17u);
     EXPECT_EQ(RynDrvClose(generator), 0u);
     uint32_t state = 0;
-    EXPECT_EQ(sourceOf(RynDrvGetState(generator, &state)), kBoardSource);
+    EXPECT_EQ(sourceOf(RynDrvGetState(generator, &state)), RYN_VB_SOURCE_ID);
     // The board holds a bounded number of objects: pipes beyond it are refused, and closing makes room.
     std::vector<DeviceHandle> pipes;
     ResultCode last = 0;
@@ -129,7 +132,7 @@ TEST_F(VirtualBoardTest, LyingRequestsAreAnsweredWithFailures) {
         std::memcpy(&code, reply + 8, 4);
         return ok != 0 ? code : 0u;
     };
-    const DeviceHandle hdlc = device(kHdlc), dsp = device(kDsp);
+    const DeviceHandle hdlc = device(RYN_VB_DEVICE_HDLC), dsp = device(RYN_VB_DEVICE_DSP);
     std::memcpy(request + 16, &dsp, 4);
     EXPECT_EQ(errorOf(send(0x816, 19, 16)), 12u);  // short request
     EXPECT_EQ(errorOf(send(0x816, 20, 12)), 12u);  // short reply
@@ -153,9 +156,11 @@ TEST_F(VirtualBoardTest, RandomRequestsStayInsideTheirBlocks) {
     OsaHandle connection = 0;
     ASSERT_EQ(RynDrvGetHandle(&connection), 0u);
     std::vector<DeviceHandle> handles{0};  // none, every device, blocks of five families, an unknown handle
-    for (int32_t type = kBoard; type <= kJtag; ++type) handles.push_back(device(type));
-    handles.insert(handles.begin() + 4, device(kDsp, 1));
-    for (int32_t type : {103, 111, 126, 140, 150}) handles.push_back(block(type));
+    for (int32_t type = RYN_VB_DEVICE_BOARD; type <= RYN_VB_DEVICE_JTAG; ++type) handles.push_back(device(type));
+    handles.insert(handles.begin() + 4, device(RYN_VB_DEVICE_DSP, 1));
+    for (int32_t type : {RYN_VB_BLOCK_SINE_WAVE_GENERATOR, RYN_VB_BLOCK_DTMF_DETECTOR, RYN_VB_BLOCK_CST_CPT_DETECTOR,
+                          RYN_VB_BLOCK_DATA_CONVERTER, RYN_VB_BLOCK_DSP_POTS})
+        handles.push_back(block(type));
     handles.push_back(0x70000001);
     // Mostly lengths that the library's requests and replies have, so that the handlers run.
     const uint32_t requestLengths[] = {20, 24, 26, 28, 29,  30,  32,  34,  36,  38,  40,  44,

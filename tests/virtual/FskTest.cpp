@@ -10,9 +10,6 @@
 namespace vt {
 namespace {
 
-constexpr int32_t kFskDetector = 112, kCallerId = 128, kAudioIn = 31;
-enum : uint32_t { kByteEvent = 0x508, kCallerIdEvent = 0x509 };
-
 // 1200 baud, phase-continuous, -10 dB: the channel seizure (300 alternating
 // bits), 180 bits of mark, the bytes framed by a start and a stop bit, then
 // 10 mark bits and 50 ms of silence.
@@ -26,13 +23,15 @@ std::vector<int16_t> modulate(const std::string &bytes, double mark, double spac
         bits.push_back(true);
     }
     bits.insert(bits.end(), 10, true);
-    std::vector<int16_t> samples;
+    // 20 samples per 3 bits; the vector is made at its full length, the
+    // silence included, and filled in place.
+    const size_t count = (bits.size() * 20 + 2) / 3;
+    std::vector<int16_t> samples(count + 400);
     double phase = 0;
-    for (size_t n = 0; n * 3 / 20 < bits.size(); ++n) {
-        phase += 2 * M_PI * (bits[n * 3 / 20] ? mark : space) / 8000;
-        samples.push_back(static_cast<int16_t>(std::lround(1295 * std::sin(phase))));
+    for (size_t n = 0; n < count; ++n) {
+        phase += 2 * M_PI * (bits[n * 3 / 20] ? mark : space) / RYN_VB_SAMPLE_RATE;
+        samples[n] = static_cast<int16_t>(std::lround(1295 * std::sin(phase)));
     }
-    samples.resize(samples.size() + 400);
     return samples;
 }
 
@@ -47,34 +46,34 @@ std::string message(char error) {
 class FskTest : public VirtualBoardTest {};
 
 TEST_F(FskTest, DetectorsReadACallerIdentificationMessage) {
-    for (uint32_t format : {0u, 1u}) {
+    for (uint32_t format : {RYN_VB_FSK_BELL202, RYN_VB_FSK_V23}) {
         for (char error : {0, 1}) {
-            const DeviceHandle fsk = block(kFskDetector), cid = block(kCallerId);
+            const DeviceHandle fsk = block(RYN_VB_BLOCK_FSK_DETECTOR), cid = block(RYN_VB_BLOCK_CST_CALLER_ID_DETECTOR);
             ASSERT_EQ(RynToneFskDetectorInit(fsk, format), 0u);
             ASSERT_EQ(RynCstCidDetectorInit(cid, format, 0), 0u);
             EventListener bytes(fsk), messages(cid);
             const std::string sent = message(error);
-            const auto samples = format == 0 ? modulate(sent, 1200, 2200) : modulate(sent, 1300, 2100);
+            const auto samples = format == RYN_VB_FSK_BELL202 ? modulate(sent, 1200, 2200) : modulate(sent, 1300, 2100);
             const uint32_t length = uint32_t(samples.size() * 2);
             for (DeviceHandle detector : {fsk, cid})
-                ASSERT_EQ(RynDrvSetAttributeValue(detector, kAudioIn, samples.data(), length), 0u);
+                ASSERT_EQ(RynDrvSetAttributeValue(detector, RYN_VB_ATTR_AUDIO_IN, samples.data(), length), 0u);
             // The seizure reads as 'U' (0x55) bytes; the message follows them.
-            const std::string heard = bytes.reported(kByteEvent);
+            const std::string heard = bytes.reported(RYN_VB_EVENT_DATA_BYTE);
             ASSERT_GE(heard.size(), sent.size() + 25) << format;
             EXPECT_EQ(heard.substr(heard.size() - sent.size()), sent) << format;
             EXPECT_EQ(heard.substr(0, 25), std::string(25, 'U')) << format;
-            EXPECT_EQ(attribute(fsk, 40), heard.size());
+            EXPECT_EQ(attribute(fsk, RYN_VB_ATTR_FSK_COUNT), heard.size());
             char last[4] = {};
-            EXPECT_EQ(RynDrvGetAttributeValue(fsk, 41, last, 4, nullptr), 0u);
+            EXPECT_EQ(RynDrvGetAttributeValue(fsk, RYN_VB_ATTR_FSK_BYTES, last, 4, nullptr), 0u);
             EXPECT_EQ(std::string(last, 4), sent.substr(sent.size() - 4));
             // The detector reads the message whatever its checksum, and tells whether it was right.
-            const EventData record = messages.nextWith(kCallerIdEvent);
-            EXPECT_EQ(record.word[5], 4u) << format;
+            const EventData record = messages.nextWith(RYN_VB_EVENT_CALLER_ID);
+            EXPECT_EQ(record.word[5], RYN_VB_CID_SINGLE_MESSAGE) << format;
             EXPECT_EQ(record.word[6], error == 0 ? 1u : 0u) << format;
-            EXPECT_EQ(attribute(cid, 44), error == 0 ? 1u : 0u) << format;
-            EXPECT_EQ(text(cid, 41), "11231015") << format;
-            EXPECT_EQ(text(cid, 42), "5551234567") << format;
-            EXPECT_EQ(text(cid, 43), "") << format;
+            EXPECT_EQ(attribute(cid, RYN_VB_ATTR_CID_CHECKSUM_OK), error == 0 ? 1u : 0u) << format;
+            EXPECT_EQ(text(cid, RYN_VB_ATTR_CID_DATE), "11231015") << format;
+            EXPECT_EQ(text(cid, RYN_VB_ATTR_CID_NUMBER), "5551234567") << format;
+            EXPECT_EQ(text(cid, RYN_VB_ATTR_CID_NAME), "") << format;
             RynDrvClose(fsk);
             RynDrvClose(cid);
         }

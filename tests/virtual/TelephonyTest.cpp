@@ -11,22 +11,6 @@
 namespace vt {
 namespace {
 
-enum : int32_t {
-    kDialler = 120,
-    kVoiceDetector = 121,
-    kDtmfDetector = 122,
-    kNoise = 123,
-    kMixer = 124,
-    kEcho = 125,
-    kCptDetector = 126,
-    kCptGenerator = 127,
-    kCallerId = 128,
-    kConverter = 140,
-    kDspPots = 150,
-};
-enum : uint32_t { kDialTone = 1, kBusy = 2, kRingback = 3, kReorder = 4 };
-constexpr uint32_t kSetUpAttribute = 40;
-
 using Values = std::vector<std::pair<uint32_t, uint32_t>>;
 
 TEST_F(VirtualBoardTest, BlocksRefuseWhatIsNotTheirsOrNotYetPossible) {
@@ -36,51 +20,52 @@ TEST_F(VirtualBoardTest, BlocksRefuseWhatIsNotTheirsOrNotYetPossible) {
         std::function<ResultCode(DeviceHandle)> call;
         uint32_t error;
     } cases[] = {
-        {kDialler, [&](DeviceHandle b) { return RynCstCptDetectorStatus(b, &status); }, 6},
-        {kCptDetector, [](DeviceHandle b) { return RynCstPotsOffHook(b, 0, 0); }, 6},
-        {kDspPots, [](DeviceHandle b) { return RynCstDtmfDialerInit(b, 0); }, 6},
-        {kConverter, [](DeviceHandle b) { return RynCstEchoCancelInit(b, 0, 0); }, 6},
-        {kDialler, [](DeviceHandle b) { return RynCstDtmfDial(b, "1", 1, 0, 0); }, 13},
-        {kCptGenerator, [](DeviceHandle b) { return RynCstCptGenerateTone(b, kBusy); }, 13},
-        {kDspPots, [](DeviceHandle b) { return RynCstPotsOffHook(b, 0, 0); }, 13},
-        {kDialler, [](DeviceHandle b) { return RynCstDtmfDialerInit(b, 5); }, 9},
+        {RYN_VB_BLOCK_CST_DTMF_DIALLER, [&](DeviceHandle b) { return RynCstCptDetectorStatus(b, &status); }, 6},
+        {RYN_VB_BLOCK_CST_CPT_DETECTOR, [](DeviceHandle b) { return RynCstPotsOffHook(b, 0, 0); }, 6},
+        {RYN_VB_BLOCK_DSP_POTS, [](DeviceHandle b) { return RynCstDtmfDialerInit(b, 0); }, 6},
+        {RYN_VB_BLOCK_DATA_CONVERTER, [](DeviceHandle b) { return RynCstEchoCancelInit(b, 0, 0); }, 6},
+        {RYN_VB_BLOCK_CST_DTMF_DIALLER, [](DeviceHandle b) { return RynCstDtmfDial(b, "1", 1, 0, 0); }, 13},
+        {RYN_VB_BLOCK_CST_CPT_GENERATOR, [](DeviceHandle b) { return RynCstCptGenerateTone(b, RYN_VB_CPT_BUSY); }, 13},
+        {RYN_VB_BLOCK_DSP_POTS, [](DeviceHandle b) { return RynCstPotsOffHook(b, 0, 0); }, 13},
+        {RYN_VB_BLOCK_CST_DTMF_DIALLER, [](DeviceHandle b) { return RynCstDtmfDialerInit(b, 5); }, 9},
         // Set up first, then the refused request.
-        {kDialler, [](DeviceHandle b) { return RynCstDtmfDialerInit(b, 0), RynCstDtmfDial(b, "12X", 3, 0, 0); }, 9},
-        {kCptGenerator, [](DeviceHandle b) { return RynCstCptGeneratorInit(b, 0, 0), RynCstCptGenerateTone(b, 5); }, 9},
-        {kCptDetector, [](DeviceHandle b) { return RynCstCptDetectorInit(b, 0, 51, 0); }, 9},
-        {kEcho, [](DeviceHandle b) { return RynCstEchoCancelInit(b, 129, 0); }, 9},
-        {kCallerId, [](DeviceHandle b) { return RynCstCidDetectorInit(b, 2, 0); }, 9},
-        {kNoise, [](DeviceHandle b) { return RynCstComfortNoiseGeneratorInit(b, 91); }, 9},
-        {kConverter, [](DeviceHandle b) { return RynDataConverterInit(b, 3, 0); }, 9},
-        {kMixer, [](DeviceHandle b) { return RynCstVoiceMixerInitEX(b, nullptr, 0, nullptr, 0, -1); }, 9},
-        {kDspPots, [](DeviceHandle b) { return RynCstPotsInit(b, 0, 0), RynCstPotsHookFlash(b, 0, 0, 0); }, 13},
+        {RYN_VB_BLOCK_CST_DTMF_DIALLER, [](DeviceHandle b) { return RynCstDtmfDialerInit(b, 0), RynCstDtmfDial(b, "12X", 3, 0, 0); }, 9},
+        {RYN_VB_BLOCK_CST_CPT_GENERATOR, [](DeviceHandle b) { return RynCstCptGeneratorInit(b, 0, 0), RynCstCptGenerateTone(b, 5); }, 9},
+        {RYN_VB_BLOCK_CST_CPT_DETECTOR, [](DeviceHandle b) { return RynCstCptDetectorInit(b, 0, 51, 0); }, 9},
+        {RYN_VB_BLOCK_CST_ECHO_CANCELLER, [](DeviceHandle b) { return RynCstEchoCancelInit(b, 129, 0); }, 9},
+        {RYN_VB_BLOCK_CST_CALLER_ID_DETECTOR, [](DeviceHandle b) { return RynCstCidDetectorInit(b, 2, 0); }, 9},
+        {RYN_VB_BLOCK_CST_COMFORT_NOISE_GENERATOR, [](DeviceHandle b) { return RynCstComfortNoiseGeneratorInit(b, 91); }, 9},
+        {RYN_VB_BLOCK_DATA_CONVERTER, [](DeviceHandle b) { return RynDataConverterInit(b, 3, 0); }, 9},
+        {RYN_VB_BLOCK_CST_VOICE_MIXER, [](DeviceHandle b) { return RynCstVoiceMixerInitEX(b, nullptr, 0, nullptr, 0, -1); }, 9},
+        {RYN_VB_BLOCK_DSP_POTS, [](DeviceHandle b) { return RynCstPotsInit(b, 0, 0), RynCstPotsHookFlash(b, 0, 0, 0); }, 13},
     };
     for (const auto &c : cases) {
         const DeviceHandle b = block(c.type);
         const ResultCode code = c.call(b);
-        EXPECT_TRUE(failed(code) && sourceOf(code) == kBoardSource && errorOf(code) == c.error)
+        EXPECT_TRUE(failed(code) && sourceOf(code) == RYN_VB_SOURCE_ID && errorOf(code) == c.error)
             << "block " << c.type << " case " << (&c - cases) << ": " << std::hex << code;
         RynDrvClose(b);
     }
 }
 
 TEST_F(VirtualBoardTest, ExtendedSetUpsAreCheckedAndKept) {
-    const DeviceHandle voice = block(kVoiceDetector), mixer = block(kMixer), converter = block(kConverter);
+    const DeviceHandle voice = block(RYN_VB_BLOCK_CST_VOICE_ACTIVITY_DETECTOR), mixer = block(RYN_VB_BLOCK_CST_VOICE_MIXER), converter = block(RYN_VB_BLOCK_DATA_CONVERTER);
     int16_t words[13] = {13, 30, 100, 20};
     EXPECT_EQ(RynCstVoiceActivityDetectorInitEx(voice, words, 0), 0u);
-    EXPECT_EQ(attribute(voice, kSetUpAttribute), 2u);
+    EXPECT_EQ(attribute(voice, RYN_VB_ATTR_CST_SET_UP), RYN_VB_CST_EXTENDED);
     words[2] = -1;
     EXPECT_EQ(errorOf(RynCstVoiceActivityDetectorInitEx(voice, words, 0)), 9u);
 
-    const uint32_t inputs[] = {block(kCptGenerator), block(kDialler)}, unknown[] = {0x2FFFFFFF};
+    const uint32_t inputs[] = {block(RYN_VB_BLOCK_CST_CPT_GENERATOR), block(RYN_VB_BLOCK_CST_DTMF_DIALLER)}, unknown[] = {0x2FFFFFFF};
     const uint16_t gains[] = {256, 128};
     EXPECT_EQ(RynCstVoiceMixerInitEX(mixer, inputs, 0, gains, 0, 2), 0u);
-    EXPECT_EQ(attribute(mixer, kSetUpAttribute), 2u);
+    EXPECT_EQ(attribute(mixer, RYN_VB_ATTR_CST_SET_UP), RYN_VB_CST_EXTENDED);
     EXPECT_EQ(errorOf(RynCstVoiceMixerInitEX(mixer, unknown, 0, gains, 0, 1)), 11u);
     EXPECT_EQ(errorOf(RynCstVoiceMixerInitEX(mixer, &mixer, 0, gains, 0, 1)), 11u);  // not itself
 
-    EXPECT_EQ(RynDataConverterInit(converter, 2, 0), 0u);
-    EXPECT_EQ(attribute(converter, 41) * 10000 + attribute(converter, 42), 20160u);
+    EXPECT_EQ(RynDataConverterInit(converter, RYN_VB_CONVERT_A_LAW, 0), 0u);
+    EXPECT_EQ(attribute(converter, RYN_VB_ATTR_CONVERTER_CONVERSION) * 10000 + attribute(converter, RYN_VB_ATTR_CONVERTER_BLOCK),
+              RYN_VB_CONVERT_A_LAW * 10000 + 160);
 }
 
 // The extended call-progress set-up as the library sends it (one tone, a
@@ -101,7 +86,7 @@ ResultCode sendCptTable(DeviceHandle detector, const std::function<void(std::vec
 }
 
 TEST_F(VirtualBoardTest, CallProgressTablesAreCheckedAgainstTheirSlots) {
-    const DeviceHandle detector = block(kCptDetector);
+    const DeviceHandle detector = block(RYN_VB_BLOCK_CST_CPT_DETECTOR);
     const auto word = [](size_t offset, uint16_t value) {
         return [=](std::vector<uint8_t> &r) { std::memcpy(&r[offset], &value, 2); };
     };
@@ -123,7 +108,7 @@ TEST_F(VirtualBoardTest, CallProgressTablesAreCheckedAgainstTheirSlots) {
 }
 
 TEST_F(VirtualBoardTest, CallProgressTonesAreRecognisedInOrder) {
-    const DeviceHandle generator = block(kCptGenerator), detector = block(kCptDetector), voice = block(kVoiceDetector);
+    const DeviceHandle generator = block(RYN_VB_BLOCK_CST_CPT_GENERATOR), detector = block(RYN_VB_BLOCK_CST_CPT_DETECTOR), voice = block(RYN_VB_BLOCK_CST_VOICE_ACTIVITY_DETECTOR);
     ASSERT_EQ(RynDrvConnectLogicalDevice(generator, 0, detector, 0), 0u);
     ASSERT_EQ(RynDrvConnectLogicalDevice(generator, 0, voice, 0), 0u);
     EventListener tones(detector), voices(voice);
@@ -132,24 +117,24 @@ TEST_F(VirtualBoardTest, CallProgressTonesAreRecognisedInOrder) {
     const int16_t hangover300[13] = {13, 0, 300};  // longer than the reorder tone's pauses, shorter than busy's
     ASSERT_EQ(RynCstVoiceActivityDetectorInitEx(voice, hangover300, 0), 0u);
 
-    for (uint32_t tone : {kBusy, kDialTone, kRingback, kReorder}) {
+    for (uint32_t tone : {RYN_VB_CPT_BUSY, RYN_VB_CPT_DIAL, RYN_VB_CPT_RINGBACK, RYN_VB_CPT_REORDER}) {
         ASSERT_EQ(RynCstCptGenerateTone(generator, tone), 0u);
         EXPECT_EQ(got(RynCstCptDetectorStatus, detector), tone);
     }
-    EXPECT_EQ(tones.drain(0x0504), (Values{{kBusy, 0}, {kDialTone, 0}, {kRingback, 0}, {kReorder, 0}}));
-    EXPECT_EQ(voices.drain(0x0505).size(), 4u);  // after the bursts of busy and ringback
+    EXPECT_EQ(tones.drain(RYN_VB_EVENT_CALL_PROGRESS), (Values{{RYN_VB_CPT_BUSY, 0}, {RYN_VB_CPT_DIAL, 0}, {RYN_VB_CPT_RINGBACK, 0}, {RYN_VB_CPT_REORDER, 0}}));
+    EXPECT_EQ(voices.drain(RYN_VB_EVENT_SILENCE).size(), 4u);  // after the bursts of busy and ringback
     EXPECT_EQ(got(RynCstVoiceActivityDetectorStatus, voice), 1u);
 
     // Nine seconds of silence: the tone has ended.
     ASSERT_EQ(RynCstCptGeneratorInit(generator, 0, 9000), 0u);
     ASSERT_EQ(RynCstCptGenerateTone(generator, 0), 0u);
-    EXPECT_EQ(tones.drain(0x0503), (Values{{kReorder, 0}}));
-    EXPECT_EQ(voices.drain(0x0505).size(), 1u);
+    EXPECT_EQ(tones.drain(RYN_VB_EVENT_TONE_ENDED), (Values{{RYN_VB_CPT_REORDER, 0}}));
+    EXPECT_EQ(voices.drain(RYN_VB_EVENT_SILENCE).size(), 1u);
     EXPECT_EQ(got(RynCstCptDetectorStatus, detector), 0u);
 }
 
 TEST_F(VirtualBoardTest, ToneTablesOfTheApplicationReplaceTheBuiltInTones) {
-    const DeviceHandle generator = block(kCptGenerator), detector = block(kCptDetector);
+    const DeviceHandle generator = block(RYN_VB_BLOCK_CST_CPT_GENERATOR), detector = block(RYN_VB_BLOCK_CST_CPT_DETECTOR);
     ASSERT_EQ(RynDrvConnectLogicalDevice(generator, 0, detector, 0), 0u);
     EventListener tones(detector);
     // Values 440, 350 and 480 Hz; tone 9: the first two, not the third, for 300 ms at least.
@@ -160,12 +145,12 @@ TEST_F(VirtualBoardTest, ToneTablesOfTheApplicationReplaceTheBuiltInTones) {
     const CptDetectorConfig config{0, 0, 0, &table, 1, 0};
     ASSERT_EQ(RynCstCptDetectorInitEx(detector, 0, 0, &config, 0), 0u);
     ASSERT_EQ(RynCstCptGeneratorInit(generator, 0, 0), 0u);
-    for (uint32_t tone : {kBusy, kRingback, kDialTone}) ASSERT_EQ(RynCstCptGenerateTone(generator, tone), 0u);
-    EXPECT_EQ(tones.drain(0x0504), (Values{{9, 0}}));
+    for (uint32_t tone : {RYN_VB_CPT_BUSY, RYN_VB_CPT_RINGBACK, RYN_VB_CPT_DIAL}) ASSERT_EQ(RynCstCptGenerateTone(generator, tone), 0u);
+    EXPECT_EQ(tones.drain(RYN_VB_EVENT_CALL_PROGRESS), (Values{{9, 0}}));
 }
 
 TEST_F(VirtualBoardTest, DialledDigitsReachTheDtmfDetector) {
-    const DeviceHandle dialler = block(kDialler), echo = block(kEcho), detector = block(kDtmfDetector);
+    const DeviceHandle dialler = block(RYN_VB_BLOCK_CST_DTMF_DIALLER), echo = block(RYN_VB_BLOCK_CST_ECHO_CANCELLER), detector = block(RYN_VB_BLOCK_CST_DTMF_DETECTOR);
     ASSERT_EQ(RynDrvConnectLogicalDevice(dialler, 0, echo, 0), 0u);  // through a canceller
     ASSERT_EQ(RynDrvConnectLogicalDevice(echo, 0, detector, 0), 0u);
     EventListener digits(detector), dialled(dialler);
@@ -175,18 +160,18 @@ TEST_F(VirtualBoardTest, DialledDigitsReachTheDtmfDetector) {
     ASSERT_EQ(RynCstDtmfDial(dialler, "1559#*0d", 8, 0, 0), 0u);
     Values expected;
     for (char key : std::string("1559#*0D")) expected.emplace_back(static_cast<uint8_t>(key), 0);
-    EXPECT_EQ(digits.drain(0x0500), expected);
-    EXPECT_EQ(dialled.drain(0x0506), (Values{{8, 0}}));
+    EXPECT_EQ(digits.drain(RYN_VB_EVENT_DTMF_DIGIT), expected);
+    EXPECT_EQ(dialled.drain(RYN_VB_EVENT_DIALLING_FINISHED), (Values{{8, 0}}));
     EXPECT_EQ(got<uint8_t>(RynCstDtmfDetectorStatus, detector), 'D');
     // Digits too short for the detector's shortest digit go unnoticed.
     ASSERT_EQ(RynCstDtmfDetectorInit(detector, 100, 0), 0u);
     ASSERT_EQ(RynCstDtmfDial(dialler, "7", 1, 60, 0), 0u);
-    EXPECT_TRUE(digits.drain(0x0500).empty());
+    EXPECT_TRUE(digits.drain(RYN_VB_EVENT_DTMF_DIGIT).empty());
 }
 
 TEST_F(VirtualBoardTest, MixerPassesOnItsInputsAtTheirGains) {
-    const DeviceHandle listed = block(kDialler), muted = block(kDialler), other = block(kDialler);
-    const DeviceHandle mixer = block(kMixer), detector = block(kDtmfDetector);
+    const DeviceHandle listed = block(RYN_VB_BLOCK_CST_DTMF_DIALLER), muted = block(RYN_VB_BLOCK_CST_DTMF_DIALLER), other = block(RYN_VB_BLOCK_CST_DTMF_DIALLER);
+    const DeviceHandle mixer = block(RYN_VB_BLOCK_CST_VOICE_MIXER), detector = block(RYN_VB_BLOCK_CST_DTMF_DETECTOR);
     for (DeviceHandle dialler : {listed, muted, other}) {
         ASSERT_EQ(RynCstDtmfDialerInit(dialler, 0), 0u);
         ASSERT_EQ(RynDrvConnectLogicalDevice(dialler, 0, mixer, 0), 0u);
@@ -199,27 +184,30 @@ TEST_F(VirtualBoardTest, MixerPassesOnItsInputsAtTheirGains) {
     EventListener digits(detector);
     for (const auto &[dialler, key] : {std::pair(listed, "1"), {muted, "2"}, {other, "3"}})
         ASSERT_EQ(RynCstDtmfDial(dialler, key, 1, 0, 0), 0u);
-    EXPECT_EQ(digits.drain(0x0500), (Values{{'1', 0}}));  // muted and unlisted inputs are not heard
+    EXPECT_EQ(digits.drain(RYN_VB_EVENT_DTMF_DIGIT), (Values{{'1', 0}}));  // muted and unlisted inputs are not heard
 }
 
 TEST_F(VirtualBoardTest, DspPotsBlockKeepsItsHookAndDaa) {
-    const DeviceHandle line = block(kDspPots);
+    const DeviceHandle line = block(RYN_VB_BLOCK_DSP_POTS);
     EventListener hooks(line);
     ASSERT_EQ(RynCstPotsInit(line, 0, 2), 0u);  // the library writes DAA registers 16 and 17
     uint8_t daa[64] = {};
-    EXPECT_EQ(RynDrvGetAttributeValue(line, 42, daa, sizeof daa, nullptr), 0u);
+    EXPECT_EQ(RynDrvGetAttributeValue(line, RYN_VB_ATTR_DSP_POTS_DAA, daa, sizeof daa, nullptr), 0u);
     EXPECT_EQ(daa[16] * 256 + daa[17], 0x0C10);
-    EXPECT_EQ(got(RynCstPotsWriteDaa, line, 2, 500, 17, 0x10), 1u);  // already held
-    EXPECT_EQ(got(RynCstPotsWriteDaa, line, 2, 500, 0x40, 1), 2u);   // no such register
+    EXPECT_EQ(got(RynCstPotsWriteDaa, line, 2, 500, 17, 0x10), RYN_VB_DAA_UNCHANGED);
+    EXPECT_EQ(got(RynCstPotsWriteDaa, line, 2, 500, 0x40, 1), RYN_VB_DAA_NO_REGISTER);
 
     EXPECT_EQ(RynCstPotsOffHook(line, 0, 0) | RynCstPotsOffHook(line, 0, 0), 0u);  // the second: no change, no event
     EXPECT_EQ(RynCstPotsHookFlash(line, 0, 0, 0), 0u);
     EXPECT_EQ(RynCstPotsPulseDial(line, 0, 0, 0), 0u);
-    EXPECT_EQ(attribute(line, 40), 1u);
+    EXPECT_EQ(attribute(line, RYN_VB_ATTR_DSP_POTS_HOOK), RYN_VB_HOOK_OFF);
     EXPECT_EQ(RynCstPotsOnHookLineMon(line, 0, 0), 0u);
-    EXPECT_EQ(attribute(line, 41), 1u);
+    EXPECT_EQ(attribute(line, RYN_VB_ATTR_DSP_POTS_MONITOR), 1u);
     EXPECT_EQ(RynCstPotsSenseLine(line, 0, 0), 0u);
-    EXPECT_EQ(hooks.drain(0x0200), (Values{{1, 0}, {1, 1}, {0, 2}, {0, 3}}));
+    EXPECT_EQ(hooks.drain(RYN_VB_EVENT_HOOK_CHANGED), (Values{{RYN_VB_HOOK_OFF, RYN_VB_HOOK_CAUSE_REQUEST},
+                                                         {RYN_VB_HOOK_OFF, RYN_VB_HOOK_CAUSE_FLASH},
+                                                         {RYN_VB_HOOK_ON, RYN_VB_HOOK_CAUSE_LINE_MONITOR},
+                                                         {RYN_VB_HOOK_ON, RYN_VB_HOOK_CAUSE_SENSE}}));
     EXPECT_EQ(errorOf(RynCstPotsPulseDial(line, 3, 0, 0)), 13u);  // on hook
 }
 

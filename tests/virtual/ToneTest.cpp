@@ -12,10 +12,6 @@
 namespace vt {
 namespace {
 
-constexpr int32_t kSine = 103, kDtmfDialler = 105, kMfDialler = 106;
-constexpr int32_t kSilence = 110, kDtmf = 111, kDialTone = 113, kMf = 114, kDual = 115;
-enum : uint32_t { kDigitEvent = 0x500, kMfEvent = 0x501, kToneEvent = 0x502, kSilenceEvent = 0x505 };
-constexpr int32_t kAudioOut = 30, kAudioIn = 31;
 constexpr char kDtmfKeys[] = "123A456B789C*0#D";
 constexpr double kRows[] = {697, 770, 852, 941}, kColumns[] = {1209, 1336, 1477, 1633};
 
@@ -36,13 +32,13 @@ Samples play(std::initializer_list<Tone> tones, int ms, int gapMs = 60) {
 }
 
 ResultCode send(DeviceHandle block, const Samples &samples) {
-    return RynDrvSetAttributeValue(block, kAudioIn, samples.data(), static_cast<uint32_t>(samples.size() * 2));
+    return RynDrvSetAttributeValue(block, RYN_VB_ATTR_AUDIO_IN, samples.data(), static_cast<uint32_t>(samples.size() * 2));
 }
 
 Samples render(DeviceHandle block, size_t count) {
     Samples samples(count);
     uint32_t returned = 0;
-    EXPECT_EQ(RynDrvGetAttributeValue(block, kAudioOut, samples.data(), uint32_t(count * 2), &returned), 0u);
+    EXPECT_EQ(RynDrvGetAttributeValue(block, RYN_VB_ATTR_AUDIO_OUT, samples.data(), uint32_t(count * 2), &returned), 0u);
     EXPECT_EQ(returned, count * 2);
     return samples;
 }
@@ -56,18 +52,18 @@ TEST_F(ToneTest, DiallersReachTheirDetectorsDigitByDigit) {
         std::string digits;
     };
     for (const Case &c :
-         {Case{kDtmfDialler, kDtmf, kDigitEvent, "1234#"}, Case{kMfDialler, kMf, kMfEvent, "*1234567890#"}}) {
+         {Case{RYN_VB_BLOCK_DTMF_DIALLER, RYN_VB_BLOCK_DTMF_DETECTOR, RYN_VB_EVENT_DTMF_DIGIT, "1234#"}, Case{RYN_VB_BLOCK_MF_DIALLER, RYN_VB_BLOCK_MF_DETECTOR, RYN_VB_EVENT_MF_DIGIT, "*1234567890#"}}) {
         const DeviceHandle dialler = block(c.dialler), detector = block(c.detector);
         // The MF dialler reaches its detector through a pipe.
-        const DeviceHandle pipe = c.dialler == kMfDialler ? got(RynDrvCreatePipe, 0) : detector;
+        const DeviceHandle pipe = c.dialler == RYN_VB_BLOCK_MF_DIALLER ? got(RynDrvCreatePipe, 0) : detector;
         ASSERT_EQ(RynDrvConnectLogicalDevice(dialler, 0, pipe, 0), 0u);
         ASSERT_EQ(pipe == detector ? 0u : RynDrvConnectLogicalDevice(pipe, 0, detector, 0), 0u);
         EventListener heard(detector), done(dialler);
-        const auto dial = c.dialler == kDtmfDialler ? RynToneDtmfDial : RynToneMfDial;
+        const auto dial = c.dialler == RYN_VB_BLOCK_DTMF_DIALLER ? RynToneDtmfDial : RynToneMfDial;
         ASSERT_EQ(dial(dialler, c.digits.data(), int32_t(c.digits.size()), 0, 0), 0u);
         EXPECT_EQ(heard.reported(c.event), c.digits);
-        EXPECT_EQ(done.reported(0x506).size(), 1u);
-        EXPECT_EQ(got<uint8_t>(c.detector == kDtmf ? RynToneDtmfDetectorStatus : RynToneMfDetectorStatus, detector),
+        EXPECT_EQ(done.reported(RYN_VB_EVENT_DIALLING_FINISHED).size(), 1u);
+        EXPECT_EQ(got<uint8_t>(c.detector == RYN_VB_BLOCK_DTMF_DETECTOR ? RynToneDtmfDetectorStatus : RynToneMfDetectorStatus, detector),
                   '#');
         EXPECT_EQ(errorOf(dial(dialler, "12x", 3, 0, 0)), 9u);  // refused whole
         EXPECT_EQ(heard.reported(c.event), "");
@@ -75,14 +71,14 @@ TEST_F(ToneTest, DiallersReachTheirDetectorsDigitByDigit) {
 }
 
 TEST_F(ToneTest, EveryKeyIsHeardFromTheApplicationsSamples) {
-    const DeviceHandle dtmf = block(kDtmf), mf = block(kMf);
+    const DeviceHandle dtmf = block(RYN_VB_BLOCK_DTMF_DETECTOR), mf = block(RYN_VB_BLOCK_MF_DETECTOR);
     EventListener heardDtmf(dtmf), heardMf(mf);
     for (int key = 0; key < 16; ++key)
         ASSERT_EQ(send(dtmf, play({{kRows[key / 4], -6}, {kColumns[key % 4], -6}}, 50)), 0u);
-    EXPECT_EQ(heardDtmf.reported(kDigitEvent), kDtmfKeys);
+    EXPECT_EQ(heardDtmf.reported(RYN_VB_EVENT_DTMF_DIGIT), kDtmfKeys);
     for (const auto &[low, high] : {std::pair{1100, 1700}, {900, 1300}, {700, 1500}, {1500, 1700}})
         ASSERT_EQ(send(mf, play({{double(low), -8}, {double(high), -8}}, 68)), 0u);
-    EXPECT_EQ(heardMf.reported(kMfEvent), "*57#");  // KP 5 7 ST
+    EXPECT_EQ(heardMf.reported(RYN_VB_EVENT_MF_DIGIT), "*57#");  // KP 5 7 ST
 }
 
 TEST_F(ToneTest, DtmfReceiverHoldsItsLimits) {
@@ -112,19 +108,19 @@ TEST_F(ToneTest, DtmfReceiverHoldsItsLimits) {
         {"in voice", 1, 1, -6, -6, 50, 60, 0, -4},
     };
     for (const Case &c : cases) {
-        const DeviceHandle detector = block(kDtmf);
+        const DeviceHandle detector = block(RYN_VB_BLOCK_DTMF_DETECTOR);
         EventListener heard(detector);
         const Samples digit =
             play({{852 * c.lowShift, c.lowDb}, {1477 * c.highShift, c.highDb}, {500, c.voiceDb}}, c.ms, c.gapMs);
         ASSERT_EQ(send(detector, Samples(20)), 0u);  // off the detector's window edges
         for (int times = c.gapMs < 60 ? 2 : 1; times > 0; --times) ASSERT_EQ(send(detector, digit), 0u);
-        EXPECT_EQ(heard.reported(kDigitEvent), std::string(c.digits, '9')) << c.what;
+        EXPECT_EQ(heard.reported(RYN_VB_EVENT_DTMF_DIGIT), std::string(c.digits, '9')) << c.what;
         RynDrvClose(detector);
     }
 }
 
 TEST_F(ToneTest, SineGeneratorPlaysTheLibrarysOscillator) {
-    const DeviceHandle generator = block(kSine);
+    const DeviceHandle generator = block(RYN_VB_BLOCK_SINE_WAVE_GENERATOR);
     const SineToneParams tone{1000, 0, 0};
     ASSERT_EQ(RynToneSineWaveGeneratorInit(generator, 0, &tone, 1, 0), 0u);
     const Samples second = render(generator, 8000);
@@ -138,7 +134,7 @@ TEST_F(ToneTest, SineGeneratorPlaysTheLibrarysOscillator) {
 }
 
 TEST_F(ToneTest, FrequencyDetectorsListenWithTheLibrarysCoefficients) {
-    const DeviceHandle generator = block(kSine), right = block(kDual), wrong = block(kDual);
+    const DeviceHandle generator = block(RYN_VB_BLOCK_SINE_WAVE_GENERATOR), right = block(RYN_VB_BLOCK_DUAL_FREQUENCY_DETECTOR), wrong = block(RYN_VB_BLOCK_DUAL_FREQUENCY_DETECTOR);
     const SineToneParams tones[] = {{1000, -6, 0}, {1500, -6, 0}};
     const uint32_t rightHz[] = {1000, 1500}, wrongHz[] = {1000, 1560};
     ASSERT_EQ(RynToneSineWaveGeneratorInit(generator, 0, tones, 2, 0), 0u);
@@ -148,33 +144,33 @@ TEST_F(ToneTest, FrequencyDetectorsListenWithTheLibrarysCoefficients) {
     EventListener heardRight(right), heardWrong(wrong);
     for (DeviceHandle detector : {right, wrong}) ASSERT_EQ(RynDrvConnectLogicalDevice(generator, 0, detector, 0), 0u);
     render(generator, 1600);
-    EXPECT_EQ(heardRight.reported(kToneEvent), std::string(1, '\0'));
-    EXPECT_EQ(heardWrong.reported(kToneEvent), "");
+    EXPECT_EQ(heardRight.reported(RYN_VB_EVENT_TONE_DETECTED), std::string(1, '\0'));
+    EXPECT_EQ(heardWrong.reported(RYN_VB_EVENT_TONE_DETECTED), "");
     EXPECT_EQ(got<uint8_t>(RynToneDualDetectorStatus, right), 1u);
 }
 
 TEST_F(ToneTest, DialToneAndSilenceAreReportedWhileTheyLast) {
-    const DeviceHandle dialTone = block(kDialTone), silence = block(kSilence);
+    const DeviceHandle dialTone = block(RYN_VB_BLOCK_DIAL_TONE_DETECTOR), silence = block(RYN_VB_BLOCK_SILENCE_DETECTOR);
     EventListener heardTone(dialTone), heardSilence(silence);
     ASSERT_EQ(send(dialTone, play({{350, -10}, {440, -10}}, 300, 0)), 0u);
     ASSERT_EQ(send(silence, play({{1000, -10}}, 100, 300)), 0u);
     EXPECT_EQ(got(RynToneDialtoneDetectorStatus, dialTone), 1u);  // 350 + 440 Hz
     EXPECT_EQ(got(RynToneSilenceDetectorStatus, silence), 1u);
-    EXPECT_EQ(heardTone.reported(kToneEvent), std::string(1, '\0'));
-    EXPECT_EQ(heardSilence.reported(kSilenceEvent), "\1");
+    EXPECT_EQ(heardTone.reported(RYN_VB_EVENT_TONE_DETECTED), std::string(1, '\0'));
+    EXPECT_EQ(heardSilence.reported(RYN_VB_EVENT_SILENCE), "\1");
 }
 
 TEST_F(ToneTest, BlocksRefuseWhatIsNotTheirs) {
-    const DeviceHandle dialler = block(kDtmfDialler), detector = block(kDtmf);
+    const DeviceHandle dialler = block(RYN_VB_BLOCK_DTMF_DIALLER), detector = block(RYN_VB_BLOCK_DTMF_DETECTOR);
     uint8_t status = 0;
     EXPECT_EQ(errorOf(RynToneDtmfDetectorStatus(dialler, &status)), 6u);
     EXPECT_EQ(errorOf(RynToneMfDial(dialler, "1", 1, 0, 0)), 6u);
     EXPECT_EQ(errorOf(send(dialler, Samples(8))), 6u);
     EXPECT_EQ(errorOf(send(detector, Samples(32769))), 9u);
-    EXPECT_EQ(errorOf(RynDrvSetAttributeValue(detector, kAudioIn, "abc", 3)), 9u);
+    EXPECT_EQ(errorOf(RynDrvSetAttributeValue(detector, RYN_VB_ATTR_AUDIO_IN, "abc", 3)), 9u);
     std::vector<uint8_t> out(65538);  // a detector has no output; a generator gives 64 KiB at most
-    EXPECT_EQ(errorOf(RynDrvGetAttributeValue(detector, 30, out.data(), 4, nullptr)), 6u);
-    EXPECT_EQ(errorOf(RynDrvGetAttributeValue(dialler, 30, out.data(), 65538, nullptr)), 9u);
+    EXPECT_EQ(errorOf(RynDrvGetAttributeValue(detector, RYN_VB_ATTR_AUDIO_OUT, out.data(), 4, nullptr)), 6u);
+    EXPECT_EQ(errorOf(RynDrvGetAttributeValue(dialler, RYN_VB_ATTR_AUDIO_OUT, out.data(), RYN_VB_AUDIO_MAX_BYTES + 2, nullptr)), 9u);
     EXPECT_EQ(errorOf(RynToneDtmfDiallerInit(dialler, 2000, 0, 0, 0)), 9u);
 }
 

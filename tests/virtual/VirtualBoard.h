@@ -13,19 +13,14 @@
 #include <vector>
 
 #include "RynHwDll.h"
+#include "RynVirtualBoard.h"
 
 namespace vt {
 
-// Device types and numbers of the virtual board's device tree.
-enum : int32_t {
-    kBoard = 1, kT1E1 = 2, kDsp = 3, kHdlc = 4, kRawData = 5, kBurst = 6, kPots = 7, kSlic = 8, kJtag = 9,
-};
-
 inline bool failed(ResultCode code) { return (code & 0x80000000u) != 0; }
 inline uint32_t errorOf(ResultCode code) { return code & 0xFFu; }
-// The virtual board's own failures carry this SourceId.
+// The virtual board's own failures carry RYN_VB_SOURCE_ID.
 inline uint32_t sourceOf(ResultCode code) { return (code >> 23) & 0xFFu; }
-inline constexpr uint32_t kBoardSource = 0x72;
 // The "nothing there" status: success with error number 1.
 inline bool isEmpty(ResultCode code) { return !failed(code) && errorOf(code) == 1; }
 
@@ -59,7 +54,7 @@ protected:
     // A block of `type` created on DSP `dsp`.
     static DeviceHandle block(int32_t type, uint32_t dsp = 0) {
         DeviceHandle handle = 0;
-        EXPECT_EQ(RynDrvCreateLogicalDevice(device(kDsp, dsp), type, 0, 0, &handle), 0u) << "block type " << type;
+        EXPECT_EQ(RynDrvCreateLogicalDevice(device(RYN_VB_DEVICE_DSP, dsp), type, 0, 0, &handle), 0u) << "block type " << type;
         return handle;
     }
 };
