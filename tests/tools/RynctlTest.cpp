@@ -16,14 +16,83 @@ namespace {
 
 using namespace ryn::test;
 
-// Runs rynctl with `arguments`; its standard output and error, and its exit code.
-std::pair<std::string, int> rynctl(const std::string &arguments) {
-    FILE *pipe = popen((std::string(RYN_TOOL) + " " + arguments + " 2>&1").c_str(), "r");
-    std::string out;
+struct Outcome {
+    std::string out, err;
+    int status;
+};
+
+// Runs rynctl with `arguments`: its standard output, its standard error and its exit code.
+Outcome run(const std::string &arguments) {
+    const TempFile errors(std::vector<uint8_t>{});
+    FILE *pipe = popen((std::string(RYN_TOOL) + " " + arguments + " 2>" + errors.path()).c_str(), "r");
+    Outcome result{"", "", -1};
     char buffer[256];
-    while (pipe != nullptr && std::fgets(buffer, sizeof buffer, pipe) != nullptr) out += buffer;
+    while (pipe != nullptr && std::fgets(buffer, sizeof buffer, pipe) != nullptr) result.out += buffer;
     const int status = pipe != nullptr ? pclose(pipe) : -1;
-    return {out, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    std::ifstream in(errors.path());
+    result.err.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    return result;
+}
+
+// Both streams together, for the commands' own tables.
+std::pair<std::string, int> rynctl(const std::string &arguments) {
+    const Outcome r = run(arguments);
+    return {r.out + r.err, r.status};
+}
+
+// The command line itself: help and versions on standard output, every
+// usage error on standard error with exit code 2, naming what was wrong.
+// None of these reaches the board.
+TEST(Rynctl, CommandLine) {
+    enum Stream { Out, Err };
+    const std::tuple<std::string, int, Stream, std::string> cases[] = {
+        {"--help", 0, Out, "Exit status: 0 done; 1 the board or driver refused"},
+        {"-h", 0, Out, "Usage: rynctl [OPTIONS] COMMAND"},
+        {"--version", 0, Out, "RynHwDll library 2.12.1.0"},
+        {"spm run -h", 0, Out, "Usage: rynctl spm run [OPTIONS] DEVICE MODULE"},
+        {"", 2, Err, "Usage: rynctl [OPTIONS] COMMAND"},
+        {"lsit", 2, Err, "rynctl: unknown command 'lsit' (did you mean 'list'?)"},
+        {"--verison", 2, Err, "unknown option '--verison' (did you mean '--version'?)"},
+        {"spm lsit", 2, Err, "rynctl spm: unknown command 'lsit' (did you mean 'list'?)"},
+        {"spm", 2, Err, "a command is required: list or run"},
+        {"events hdlc:0 --cout 3", 2, Err, "rynctl events: unknown option '--cout' (did you mean '--count'?)"},
+        {"events hdlc:0 --count x", 2, Err, "--count: expected a number (decimal or 0x hexadecimal), not \"x\""},
+        {"events hdlc:0 --timeout -5", 2, Err, "--timeout: expected a number"},
+        {"events", 2, Err, "DEVICE is required"},
+        {"list extra", 2, Err, "rynctl list: unexpected argument 'extra'"},
+        {"attr nowhere:3", 2, Err, "\"nowhere:3\" names no device"},
+        {"attr hdcl:0", 2, Err, "(did you mean 'hdlc:0'?)"},
+        {"attr dsp:0 5 4294967296", 2, Err, "out of the 32-bit range"},
+        {"attr dsp:0 --text", 2, Err, "--text requires VALUE"},
+        {"record tone:5000 x.wav", 2, Err, "give 1 to 5 frequencies below 4000 Hz"},
+        {"record dtmf:1 x.wav --seconds 601", 2, Err, "--seconds: expected a number from 1 to 600"},
+        {"record dtmf:1 x.wav --encoding mp3", 2, Err, "--encoding"},
+        {"play x.wav dtfm", 2, Err, "(did you mean 'dtmf'?)"},
+        {"image", 2, Err, "FILE is required"},
+        {"result 0xC300AA0D", 0, Out, "source   0x86 request transport\nline     170\nerror    13: operation failed\n"
+                                      "meaning  the driver call failed"},
+        {"result -2147483639", 0, Out, "code     0x80000009 (2147483657, -2147483639)"},
+        {"result 956301569", 0, Out, "status (bit 31 clear)\nsource   0x72 the virtual board\nline     1\n"
+                                     "error    1: nothing to read"},
+        {"result 0xB580121D", 0, Out, "source   0x6B DSP and loader\nline     18\nerror    29: image buffer full"},
+        {"result -0x5", 2, Err, "CODE: expected a 32-bit code"},
+        {"result 4294967296", 2, Err, "CODE: expected a 32-bit code"},
+    };
+    for (const auto &[arguments, code, stream, text] : cases) {
+        const Outcome r = run(arguments);
+        EXPECT_EQ(r.status, code) << arguments;
+        EXPECT_NE((stream == Out ? r.out : r.err).find(text), std::string::npos) << arguments << ": " << r.out << r.err;
+        EXPECT_EQ(stream == Out ? r.err : r.out, "") << arguments;
+    }
+    for (const char *command :
+         {"demo", "info", "list", "attr", "events", "load", "record", "play", "spm", "coff", "image", "result"}) {
+        for (const char *help : {" -h", " --help"}) {
+            const Outcome r = run(command + std::string(help));
+            EXPECT_EQ(r.status, 0) << command << help;
+            EXPECT_NE(r.out.find("Usage: rynctl " + std::string(command)), std::string::npos) << command << help;
+        }
+    }
 }
 
 TEST(Rynctl, CommandsAndTheirMessages) {
@@ -45,13 +114,11 @@ TEST(Rynctl, CommandsAndTheirMessages) {
         {"image " + p + " -o " + image + " --records --entry _c_int00", 0,
          "record image of 317 words, entry 0x00001234"},
         {"spm list", 0, "\n    13         2  word records (v1)      14034  0x03BB6   HDLC RX\n"},
-        {"coff --help", 0, "usage: rynctl coff"},
         {"coff /no/such/file", 1, "cannot read \"/no/such/file\""},
         {"image /no/such/file -o /dev/null", 1, "cannot open \"/no/such/file\""},
         {"coff " + std::string(truncated.path()), 1, "ends early or points outside itself"},
         {"image " + std::string(v1.path()) + " -o /dev/null --records", 1, "record images need one"},
-        {"coff " + std::string(v1.path()) + " --entry nothing", 1, "is neither a hexadecimal address nor a symbol"},
-        {"image", 2, "usage: rynctl image"}};
+        {"coff " + std::string(v1.path()) + " --entry nothing", 1, "is neither a hexadecimal address nor a symbol"}};
     for (const auto &[arguments, code, line] : cases) {
         const auto [out, status] = rynctl(arguments);
         EXPECT_EQ(status, code) << arguments;
@@ -69,14 +136,15 @@ TEST(Rynctl, CommandsAndTheirMessages) {
     EXPECT_EQ(bytes, std::string(reinterpret_cast<const char *>(expected), 2 * used));
 }
 
-// A mono 8 kHz 16-bit WAV file of `samples`, or of another format.
+// An 8 kHz 16-bit WAV file of `samples`, the same in each of `channels`.
 void writeWav(const std::string &path, const std::vector<int16_t> &samples, uint16_t channels = 1) {
     const auto le = [](uint32_t v, int n) { return std::string(reinterpret_cast<const char *>(&v), n); };
-    const uint32_t data = static_cast<uint32_t>(samples.size() * 2);
+    const uint32_t data = static_cast<uint32_t>(samples.size() * 2 * channels);
     std::ofstream out(path, std::ios::binary);
     out << "RIFF" << le(36 + data, 4) << "WAVEfmt " << le(16, 4) << le(1, 2) << le(channels, 2) << le(8000, 4)
         << le(16000 * channels, 4) << le(2 * channels, 2) << le(16, 2) << "data" << le(data, 4);
-    out.write(reinterpret_cast<const char *>(samples.data()), data);
+    for (const int16_t sample : samples)
+        for (uint16_t c = 0; c < channels; ++c) out.write(reinterpret_cast<const char *>(&sample), 2);
 }
 
 // The power of one frequency in 8 kHz samples (Goertzel).
@@ -112,23 +180,25 @@ TEST(Rynctl, OnTheVirtualBoard) {
         {"list", 0, "0x10000005  dsp:1     type 3    DSP 1"},
         {"attr dsp:0 5 77", 0, "  5  settable  77 (0x4D)"},
         {"attr 0 13", 0, "\"1.01.47.0\""},
-        {"attr nowhere:3", 1, "names no device"},
+        {"attr hdlc:9", 1, "the board has no device \"hdlc:9\" (failure, source "},
         {"events hdlc:1 --count 1", 0, "Device enabled"},
         {"load dsp:0 " + std::string(program.path()), 0, " 33  read-only 0 (0x0)"},  // built-in module 0's entry
         {"record dtmf:1234# " + recorded + " --seconds 1", 0, "8000 samples"},
         {"play " + recorded + " dtmf", 0, "detected: 1234#"},
         {"play " + made + " dtmf", 0, "detected: 0#"},
-        {"play " + dir + "stereo.wav dtmf", 1, "holds 2 channel(s) of 16-bit PCM at 8000 Hz; the board takes"},
-        {"record tone:5000 " + recorded, 1, "give 1 to 5 frequencies below 4000 Hz"},
+        {"play " + dir + "stereo.wav dtmf", 0, "stereo.wav: converted 8000 Hz stereo WAV 16-bit to 8000 Hz mono"},
+        {"record dtmf:1234# " + dir + "dial.ul", 0, "(1 s at 8000 Hz, raw mu-law)"},
+        {"play " + dir + "dial.ul dtmf", 0, "detected: 1234#"},
+        {"play " + made + " mf", 1, "detected: nothing"},
+        {"attr hdlc:0 5 -1", 0, "  5  settable  4294967295 (0xFFFFFFFF)"},
+        {"attr dsp:0 5 12 --text", 1, "(failure, source 0x72 the virtual board, line "},
+        {"attr dsp:0 5 12 --text", 1, ", error 9: argument out of range)"},
     };
     for (const auto &[arguments, code, line] : cases) {
         const auto [out, status] = rynctl(arguments);
         EXPECT_EQ(status, code) << arguments;
         EXPECT_NE(out.find(line), std::string::npos) << arguments << ": " << out;
     }
-    for (const char *command : {"demo", "list", "attr", "events", "load", "record", "play"})
-        EXPECT_EQ(rynctl(std::string(command) + " --help").second, 0) << command;
-
     // The recording decoded here: '1' is 697 + 1209 Hz, above every other DTMF frequency.
     std::ifstream in(recorded, std::ios::binary);
     const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
@@ -140,7 +210,7 @@ TEST(Rynctl, OnTheVirtualBoard) {
         EXPECT_GT(low, 20 * power(dialled, 0, 400, other)) << other;
         EXPECT_GT(high, 20 * power(dialled, 0, 400, other)) << other;
     }
-    for (const auto &file : {recorded, made, dir + "stereo.wav"}) std::remove(file.c_str());
+    for (const auto &file : {recorded, made, dir + "stereo.wav", dir + "dial.ul"}) std::remove(file.c_str());
 }
 
 }  // namespace

@@ -1,30 +1,46 @@
 // Audio in and out of the board's signal-processing blocks: record what a
-// generator or dialler plays into a WAV file, and play a WAV file into a
-// detector, printing what it detects. The samples travel through the board's
-// audio attributes (30: a block's output, 31: a detector's input).
+// generator or dialler plays into an audio file, and play an audio file into
+// a detector, printing what it detects. The samples travel through the
+// board's audio attributes (30: a block's output, 31: a detector's input).
+#include <CLI/CLI.hpp>
+
 #include <cmath>
+#include <cstdarg>
 #include <cstring>
 #include <string>
 
+#include "AudioFile.h"
 #include "Rynctl.h"
-#include "Wav.h"
 
 namespace rynctl {
 namespace {
 
-constexpr int32_t kOutputSamples = 30, kInputSamples = 31;
-constexpr uint32_t kChunkSamples = 16384;  // 32 KiB per attribute call
+constexpr int32_t kOutputSamples = RYN_VB_ATTR_AUDIO_OUT, kInputSamples = RYN_VB_ATTR_AUDIO_IN;
+constexpr uint32_t kChunkSamples = 16384;    // 32 KiB per attribute call
 constexpr uint32_t kLongestRecording = 600;  // seconds
 
 // Block types of the board's tone family.
 enum : int32_t {
-    kSineGenerator = 103, kDtmfDialler = 105, kMfDialler = 106,
-    kSilenceDetector = 110, kDtmfDetector = 111, kFskDetector = 112, kDialtoneDetector = 113, kMfDetector = 114,
-    kSingleDetector = 116, kCallerIdDetector = 128,
+    kSineGenerator = RYN_VB_BLOCK_SINE_WAVE_GENERATOR,
+    kDtmfDialler = RYN_VB_BLOCK_DTMF_DIALLER,
+    kMfDialler = RYN_VB_BLOCK_MF_DIALLER,
+    kSilenceDetector = RYN_VB_BLOCK_SILENCE_DETECTOR,
+    kDtmfDetector = RYN_VB_BLOCK_DTMF_DETECTOR,
+    kFskDetector = RYN_VB_BLOCK_FSK_DETECTOR,
+    kDialtoneDetector = RYN_VB_BLOCK_DIAL_TONE_DETECTOR,
+    kMfDetector = RYN_VB_BLOCK_MF_DETECTOR,
+    kSingleDetector = RYN_VB_BLOCK_SINGLE_FREQUENCY_DETECTOR,
+    kCallerIdDetector = RYN_VB_BLOCK_CST_CALLER_ID_DETECTOR,
 };
 // Events and attributes the detectors report with.
-enum : uint32_t { kDigit = 0x0500, kMfDigit = 0x0501, kTone = 0x0502, kDataByte = 0x0508, kCallerId = 0x0509 };
-enum : int32_t { kCallerDate = 41, kCallerNumber = 42, kCallerName = 43 };
+enum : uint32_t {
+    kDigit = RYN_VB_EVENT_DTMF_DIGIT,
+    kMfDigit = RYN_VB_EVENT_MF_DIGIT,
+    kTone = RYN_VB_EVENT_TONE_DETECTED,
+    kDataByte = RYN_VB_EVENT_DATA_BYTE,
+    kCallerId = RYN_VB_EVENT_CALLER_ID,
+};
+enum : int32_t { kCallerDate = RYN_VB_ATTR_CID_DATE, kCallerNumber = RYN_VB_ATTR_CID_NUMBER, kCallerName = RYN_VB_ATTR_CID_NAME };
 
 // A block created on DSP 0 for one command, closed with it.
 class Block {
@@ -51,6 +67,19 @@ bool check(const char *what, ResultCode result) {
     return RynSuccess(result);
 }
 
+// printf into a string of whatever length the text needs.
+__attribute__((format(printf, 1, 2))) std::string format(const char *form, ...) {
+    va_list args, again;
+    va_start(args, form);
+    va_copy(again, args);
+    const int length = std::vsnprintf(nullptr, 0, form, args);
+    va_end(args);
+    std::string text(length > 0 ? static_cast<size_t>(length) : 0, '\0');
+    if (length > 0) std::vsnprintf(text.data(), text.size() + 1, form, again);
+    va_end(again);
+    return text;
+}
+
 // "350+440" or "1000,1200": frequencies in Hz.
 std::vector<uint32_t> frequencies(const char *text) {
     std::vector<uint32_t> list;
@@ -69,9 +98,27 @@ std::vector<uint32_t> frequencies(const char *text) {
     return list;
 }
 
-bool startsWith(const char *text, const char *prefix) { return std::strncmp(text, prefix, std::strlen(prefix)) == 0; }
+bool startsWith(const std::string &text, const char *prefix) { return text.rfind(prefix, 0) == 0; }
 
-// Sets up the source a recording names; false (and why printed) when it cannot.
+// What is wrong with a SOURCE, checked before anything connects; "" when
+// nothing is. The board itself refuses digits it cannot dial.
+std::string sourceProblem(const std::string &what) {
+    if (startsWith(what, "dtmf:") || startsWith(what, "mf:"))
+        return what.back() != ':' ? "" : "\"" + what + "\": give the digits to dial, as " + what + "123";
+    if (startsWith(what, "tone:")) {
+        const size_t count = frequencies(what.c_str() + 5).size();
+        return count >= 1 && count <= 5 ? ""
+                                        : "\"" + what + "\": give 1 to 5 frequencies below 4000 Hz, as tone:350+440";
+    }
+    std::string why = "\"" + what + "\" names no source: expected dtmf:DIGITS, mf:DIGITS or tone:HZ[+HZ...]";
+    const std::string near = nearest(what.substr(0, what.find(':')), {"dtmf", "mf", "tone"});
+    if (!near.empty() && what.find(':') != std::string::npos)
+        why += " (did you mean '" + near + what.substr(what.find(':')) + "'?)";
+    return why;
+}
+
+// Sets up the source a recording names (checked by sourceProblem); false,
+// and why printed, when the board refuses it.
 bool setUpSource(const char *what, std::unique_ptr<Block> &block) {
     if (startsWith(what, "dtmf:") || startsWith(what, "mf:")) {
         const bool dtmf = what[0] == 'd';
@@ -85,188 +132,156 @@ bool setUpSource(const char *what, std::unique_ptr<Block> &block) {
                     : check("dialler set-up", RynToneMfDiallerInit(block->handle(), 0, 0, 0, 6, 0)) &&
                           check("dial", RynToneMfDial(block->handle(), digits, count, 0, 0));
     }
-    if (startsWith(what, "tone:")) {
-        const auto list = frequencies(what + 5);
-        if (list.empty() || list.size() > 5) {
-            std::fprintf(stderr, "rynctl: \"%s\": give 1 to 5 frequencies below 4000 Hz, as tone:350+440\n", what);
-            return false;
-        }
-        std::vector<SineToneParams> tones;
-        for (uint32_t hertz : list) tones.push_back({static_cast<double>(hertz), -6.0 - 6.0 * (list.size() > 1), 0.0});
-        block = std::make_unique<Block>(kSineGenerator);
-        return block->ok() && check("generator set-up", RynToneSineWaveGeneratorInit(block->handle(), 0, tones.data(),
-                                                                                      static_cast<int32_t>(tones.size()), 0));
-    }
-    std::fprintf(stderr, "rynctl: \"%s\" names no source (dtmf:DIGITS, mf:DIGITS or tone:HZ[+HZ...])\n", what);
-    return false;
+    const auto list = frequencies(what + 5);
+    std::vector<SineToneParams> tones;
+    for (uint32_t hertz : list) tones.push_back({static_cast<double>(hertz), -6.0 - 6.0 * (list.size() > 1), 0.0});
+    block = std::make_unique<Block>(kSineGenerator);
+    return block->ok() &&
+           check("generator set-up", RynToneSineWaveGeneratorInit(block->handle(), 0, tones.data(),
+                                                                  static_cast<int32_t>(tones.size()), 0));
 }
 
-int recordUsage(FILE *to) {
-    std::fprintf(to,
-                 "usage: rynctl record SOURCE FILE.wav [--seconds N]\n"
-                 "Sets up a generator block on DSP 0 and writes N seconds (default 1) of what it plays to\n"
-                 "FILE.wav (8 kHz, mono, 16-bit). SOURCE is:\n"
-                 "  dtmf:DIGITS      a DTMF dialler dialling DIGITS (0-9 * # A-D), then silence\n"
-                 "  mf:DIGITS        an MF dialler dialling DIGITS (0-9, K for KP, S for ST), then silence\n"
-                 "  tone:HZ[+HZ...]  the sine-wave generator with up to five tones\n");
-    return to == stdout ? 0 : 2;
-}
-
-}  // namespace
-
-int record(int argc, char **argv) {
-    const char *what = nullptr, *path = nullptr;
+struct RecordOptions {
+    std::string source, path, encoding;
     uint32_t seconds = 1;
-    for (int i = 0; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--help") == 0) return recordUsage(stdout);
-        if (std::strcmp(argv[i], "--seconds") == 0 && i + 1 < argc) {
-            const auto value = parseNumber(argv[++i]);
-            if (!value || *value == 0 || *value > kLongestRecording) return recordUsage(stderr);
-            seconds = *value;
-        } else if (argv[i][0] != '-' && what == nullptr) {
-            what = argv[i];
-        } else if (argv[i][0] != '-' && path == nullptr) {
-            path = argv[i];
-        } else {
-            return recordUsage(stderr);
-        }
+};
+
+int record(const RecordOptions &o) {
+    std::string error;
+    const auto format = audio::outputFormat(o.path, o.encoding, error);
+    if (!format) {
+        std::fprintf(stderr, "rynctl record: %s\n", error.c_str());
+        return kExitUsage;
     }
-    if (path == nullptr) return recordUsage(stderr);
     Session session;
-    if (!session.ok()) return 1;
+    if (!session.ok()) return kExitRefused;
     std::unique_ptr<Block> block;
-    if (!setUpSource(what, block)) return 1;
-    std::vector<int16_t> samples(static_cast<size_t>(seconds) * wav::kSampleRate);
+    if (!setUpSource(o.source.c_str(), block)) return kExitRefused;
+    std::vector<int16_t> samples(static_cast<size_t>(o.seconds) * audio::kSampleRate);
     for (size_t done = 0; done < samples.size();) {
         const uint32_t count = static_cast<uint32_t>(std::min<size_t>(kChunkSamples, samples.size() - done));
         uint32_t returned = 0;
         const ResultCode result = RynDrvGetAttributeValue_20(block->handle(), kOutputSamples, &samples[done],
                                                              count * 2, &returned);
-        if (!check("read samples", result)) return 1;
+        if (!check("read samples", result)) return kExitRefused;
         if (returned != count * 2) {
             std::fprintf(stderr, "rynctl: the block gave %u bytes where %u were asked for\n", returned, count * 2);
-            return 1;
+            return kExitRefused;
         }
         done += count;
     }
-    if (!wav::write(path, samples)) {
-        std::fprintf(stderr, "rynctl: cannot write \"%s\"\n", path);
-        return 1;
+    if (!audio::write(o.path, samples, *format, error)) {
+        std::fprintf(stderr, "rynctl: %s\n", error.c_str());
+        return kExitRefused;
     }
     double energy = 0;
     for (int16_t s : samples) energy += static_cast<double>(s) * s;
-    std::printf("%s: %zu samples (%u s at 8000 Hz) from %s, RMS %.0f\n", path, samples.size(), seconds, what,
+    const char *encoding = format->encoding == audio::Encoding::Pcm16  ? "16-bit PCM"
+                           : format->encoding == audio::Encoding::Ulaw ? "mu-law"
+                                                                       : "A-law";
+    std::printf("%s: %zu samples (%u s at 8000 Hz, %s %s) from %s, RMS %.0f\n", o.path.c_str(), samples.size(),
+                o.seconds, format->container == audio::Container::Wav ? "WAV" : "raw", encoding, o.source.c_str(),
                 std::sqrt(energy / static_cast<double>(samples.size())));
-    return 0;
+    return kExitDone;
 }
 
-namespace {
+// The detectors of the tone family that need no settings.
+struct Detector {
+    const char *name;
+    int32_t type;
+};
+constexpr Detector kDetectors[] = {{"dtmf", kDtmfDetector}, {"mf", kMfDetector}, {"dialtone", kDialtoneDetector},
+                                   {"silence", kSilenceDetector}};
 
-// Sets up the detector a playback names.
+// What is wrong with a DETECTOR, checked before anything connects; "" when
+// nothing is.
+std::string detectorProblem(const std::string &what) {
+    std::vector<std::string> names = {"fsk", "fsk:v23", "callerid", "callerid:v23", "tone"};
+    for (const Detector &d : kDetectors) {
+        if (what == d.name) return "";
+        names.push_back(d.name);
+    }
+    if (what == "fsk" || what == "fsk:v23" || what == "callerid" || what == "callerid:v23") return "";
+    if (startsWith(what, "tone:")) {
+        const size_t count = frequencies(what.c_str() + 5).size();
+        return count >= 1 && count <= 6 ? ""
+                                        : "\"" + what + "\": give 1 to 6 frequencies below 4000 Hz, as tone:1000,1400";
+    }
+    std::string why = "\"" + what + "\" names no detector: expected dtmf, mf, dialtone, silence, fsk[:v23], "
+                      "callerid[:v23] or tone:HZ[,HZ...]";
+    const std::string near = nearest(what, names);
+    if (!near.empty()) why += " (did you mean '" + near + (near == "tone" ? ":HZ" : "") + "'?)";
+    return why;
+}
+
+// Sets up the detector a playback names (checked by detectorProblem).
 bool setUpDetector(const char *what, std::unique_ptr<Block> &block) {
-    const struct {
-        const char *name;
-        int32_t type;
-    } kDetectors[] = {{"dtmf", kDtmfDetector}, {"mf", kMfDetector}, {"dialtone", kDialtoneDetector},
-                      {"silence", kSilenceDetector}};
-    for (const auto &d : kDetectors) {
+    for (const Detector &d : kDetectors) {
         if (std::strcmp(what, d.name) != 0) continue;
         block = std::make_unique<Block>(d.type);
         return block->ok();  // the detectors' defaults
     }
     // FSK at 1200 baud: Bell 202, or V.23 with ":v23".
     const bool v23 = std::strstr(what, ":v23") != nullptr;
-    if (std::strcmp(what, "fsk") == 0 || std::strcmp(what, "fsk:v23") == 0) {
+    if (startsWith(what, "fsk")) {
         block = std::make_unique<Block>(kFskDetector);
         return block->ok() && check("detector set-up", RynToneFskDetectorInit(block->handle(), v23));
     }
-    if (std::strcmp(what, "callerid") == 0 || std::strcmp(what, "callerid:v23") == 0) {
+    if (startsWith(what, "callerid")) {
         block = std::make_unique<Block>(kCallerIdDetector);
         return block->ok() && check("detector set-up", RynCstCidDetectorInit(block->handle(), v23, 0));
     }
-    if (startsWith(what, "tone:")) {
-        const auto list = frequencies(what + 5);
-        if (list.empty() || list.size() > 6) {
-            std::fprintf(stderr, "rynctl: \"%s\": give 1 to 6 frequencies below 4000 Hz, as tone:1000,1400\n", what);
-            return false;
-        }
-        block = std::make_unique<Block>(kSingleDetector);
-        return block->ok() && check("detector set-up", RynToneSingleDetectorInit(block->handle(), 0, list.data(),
-                                                                                  static_cast<int32_t>(list.size()),
-                                                                                  0, 0, 0));
-    }
-    std::fprintf(stderr,
-                 "rynctl: \"%s\" names no detector (dtmf, mf, dialtone, silence, fsk[:v23], callerid[:v23] or "
-                 "tone:HZ[,HZ...])\n",
-                 what);
-    return false;
+    const auto list = frequencies(what + 5);
+    block = std::make_unique<Block>(kSingleDetector);
+    return block->ok() && check("detector set-up", RynToneSingleDetectorInit(block->handle(), 0, list.data(),
+                                                                              static_cast<int32_t>(list.size()), 0, 0,
+                                                                              0));
 }
 
 // One detector event: what, and where in the file it began.
 std::string describe(const EventData &record, DeviceHandle block, std::string &detected) {
     char text[256] = {};
     if (RynFailure(RynDrvEventCode2String_16(0, record.word[3], 0, text))) std::snprintf(text, sizeof text, "?");
-    const double at = record.word[6] / static_cast<double>(wav::kSampleRate);
-    char line[320];
+    const double at = record.word[6] / static_cast<double>(audio::kSampleRate);
     const uint32_t code = record.word[3], value = record.word[5];
     if (code == kDigit || code == kMfDigit) {
         detected += static_cast<char>(value);
-        std::snprintf(line, sizeof line, "%7.3f s  %-22s '%c'", at, text, static_cast<char>(value));
-    } else if (code == kDataByte) {
+        return format("%7.3f s  %-22s '%c'", at, text, static_cast<char>(value));
+    }
+    if (code == kDataByte) {
         const char shown = value >= 0x20 && value < 0x7F ? static_cast<char>(value) : '.';
         detected += shown;
-        std::snprintf(line, sizeof line, "%7.3f s  %-22s 0x%02X '%c'", at, text, value & 0xFFu, shown);
-    } else if (code == kCallerId) {
+        return format("%7.3f s  %-22s 0x%02X '%c'", at, text, value & 0xFFu, shown);
+    }
+    if (code == kCallerId) {
         char date[16] = {}, number[64] = {}, name[64] = {};
         readText(block, kCallerDate, date, sizeof date);
         readText(block, kCallerNumber, number, sizeof number);
         readText(block, kCallerName, name, sizeof name);
         detected += number;
-        std::snprintf(line, sizeof line, "           %s: type 0x%02X, date %s, number %s, name %s, checksum %s", text,
-                      value, date, number, name, record.word[6] != 0 ? "right" : "WRONG");
-    } else {
-        std::snprintf(line, sizeof line, "%7.3f s  %-22s %u", at, text, value);
-        if (code == kTone) detected += static_cast<char>('0' + value % 10);
+        return format("           %s: type 0x%02X, date %s, number %s, name %s, checksum %s", text, value, date, number,
+                      name, record.word[6] != 0 ? "right" : "WRONG");
     }
-    return line;
+    if (code == kTone) detected += static_cast<char>('0' + value % 10);
+    return format("%7.3f s  %-22s %u", at, text, value);
 }
 
-int playUsage(FILE *to) {
-    std::fprintf(to,
-                 "usage: rynctl play FILE.wav DETECTOR\n"
-                 "Sets up a detector block on DSP 0, feeds it the samples of FILE.wav (8 kHz, mono, 16-bit\n"
-                 "PCM; other formats are refused) and prints each event it reports, with the time in the file\n"
-                 "where the signal began, then what it detected. DETECTOR is:\n"
-                 "  dtmf             DTMF digits\n"
-                 "  mf               MF (R1) digits; KP shows as *, ST as #\n"
-                 "  dialtone         dial tone (350+440 Hz, or 425 Hz)\n"
-                 "  silence          silence and its end\n"
-                 "  tone:HZ[,HZ...]  single tones at up to six frequencies (index 0 first)\n"
-                 "  fsk[:v23]        FSK bytes at 1200 baud, Bell 202 or V.23\n"
-                 "  callerid[:v23]   caller identification messages (FSK, Bell 202 or V.23)\n"
-                 "Exits 0 when something was detected, 1 when nothing was.\n");
-    return to == stdout ? 0 : 2;
-}
-
-}  // namespace
-
-int play(int argc, char **argv) {
-    if (argc == 1 && std::strcmp(argv[0], "--help") == 0) return playUsage(stdout);
-    if (argc != 2) return playUsage(stderr);
+int play(const std::string &path, const std::string &detector) {
     std::vector<int16_t> samples;
-    std::string error;
-    if (!wav::read(argv[0], samples, error)) {
+    std::string error, conversion;
+    if (!audio::read(path, samples, error, conversion)) {
         std::fprintf(stderr, "rynctl: %s\n", error.c_str());
-        return 1;
+        return kExitRefused;
     }
+    if (!conversion.empty()) std::printf("%s: %s\n", path.c_str(), conversion.c_str());
     Session session;
-    if (!session.ok()) return 1;
+    if (!session.ok()) return kExitRefused;
     std::unique_ptr<Block> block;
-    if (!setUpDetector(argv[1], block)) return 1;
+    if (!setUpDetector(detector.c_str(), block)) return kExitRefused;
     OsaHandle event = 0;
     DeviceHandle queue = 0;
     RynDrvCreateEvent(&event);
-    if (!check("event queue", RynDrvCreateEventQueue(block->handle(), event, &queue))) return 1;
+    if (!check("event queue", RynDrvCreateEventQueue(block->handle(), event, &queue))) return kExitRefused;
     std::string detected;
     uint32_t events = 0;
     bool fed = true;
@@ -282,10 +297,64 @@ int play(int argc, char **argv) {
     }
     RynDrvClose(queue);
     RynDrvCloseEvent(event);
-    if (!fed) return 1;
+    if (!fed) return kExitRefused;
     std::printf("%zu samples, %u event%s; detected: %s\n", samples.size(), events, events == 1 ? "" : "s",
                 detected.empty() ? "nothing" : detected.c_str());
-    return events != 0 ? 0 : 1;
+    return events != 0 ? kExitDone : kExitRefused;
+}
+
+// A validator of a positional argument by a function saying what is wrong.
+CLI::Validator checkedBy(std::string (*problem)(const std::string &)) {
+    return CLI::Validator([problem](std::string &text) { return problem(text); }, "");
+}
+
+}  // namespace
+
+Command recordCommand(CLI::App &rynctl) {
+    auto o = std::make_shared<RecordOptions>();
+    CLI::App *app = rynctl.add_subcommand("record", "record a generator or dialler block into an audio file");
+    app->footer(
+        "Sets up a generator block on DSP 0 and writes N seconds (default 1) of what it plays (8 kHz, mono)\n"
+        "to FILE: 16-bit PCM WAV, or G.711 with --encoding or a .ul (mu-law) or .al (A-law) name, which\n"
+        "are raw G.711 files. --encoding ulaw or alaw with any other name writes a G.711 WAV file.\n"
+        "SOURCE is:\n"
+        "  dtmf:DIGITS      a DTMF dialler dialling DIGITS (0-9 * # A-D), then silence\n"
+        "  mf:DIGITS        an MF dialler dialling DIGITS (0-9, K for KP, S for ST), then silence\n"
+        "  tone:HZ[+HZ...]  the sine-wave generator with up to five tones");
+    app->add_option("SOURCE", o->source, "what plays: dtmf:DIGITS, mf:DIGITS or tone:HZ[+HZ...]")
+        ->required()
+        ->check(checkedBy(sourceProblem));
+    app->add_option("FILE", o->path, "the audio file to write")->required();
+    addNumber(*app, "--seconds", o->seconds, "seconds to record (default 1)", 1, kLongestRecording);
+    app->add_option("--encoding", o->encoding, "pcm16, ulaw or alaw (default: by FILE's extension)")
+        ->check(CLI::IsMember({"pcm16", "ulaw", "alaw"}))
+        ->type_name("ENC");
+    return {app, [o] { return record(*o); }};
+}
+
+Command playCommand(CLI::App &rynctl) {
+    struct Options {
+        std::string path, detector;
+    };
+    auto o = std::make_shared<Options>();
+    CLI::App *app = rynctl.add_subcommand("play", "feed an audio file to a detector block");
+    app->footer(
+        "Sets up a detector block on DSP 0, feeds it the samples of FILE and prints each event it reports,\n"
+        "with the time in the file where the signal began, then what it detected. FILE is any audio file\n"
+        "libsndfile reads (WAV, AIFF, AU, FLAC, ...) or a raw .ul / .al G.711 file; a file that is not\n"
+        "8 kHz mono 16-bit is converted, and a line on standard output, before the events, says how.\n"
+        "DETECTOR is:\n"
+        "  dtmf             DTMF digits\n"
+        "  mf               MF (R1) digits; KP shows as *, ST as #\n"
+        "  dialtone         dial tone (350+440 Hz, or 425 Hz)\n"
+        "  silence          silence and its end\n"
+        "  tone:HZ[,HZ...]  single tones at up to six frequencies (index 0 first)\n"
+        "  fsk[:v23]        FSK bytes at 1200 baud, Bell 202 or V.23\n"
+        "  callerid[:v23]   caller identification messages (FSK, Bell 202 or V.23)\n"
+        "Exits 0 when something was detected, 1 when nothing was.");
+    app->add_option("FILE", o->path, "the audio file to play")->required();
+    app->add_option("DETECTOR", o->detector, "what listens (see below)")->required()->check(checkedBy(detectorProblem));
+    return {app, [o] { return play(o->path, o->detector); }};
 }
 
 }  // namespace rynctl

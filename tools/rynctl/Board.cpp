@@ -1,19 +1,16 @@
 // The board as the driver shows it: the library and driver versions, the
 // device tree, attributes, event records, program loading and the built-in
 // modules.
+#include <CLI/CLI.hpp>
+
+#include <cctype>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 
 #include "Rynctl.h"
 
 namespace rynctl {
-
-void printResult(const char *what, ResultCode code) {
-    uint32_t error = 0, severity = 0, source = 0, line = 0;
-    RynResultCode(code, &error, &severity, &source, &line);
-    std::printf("%-22s 0x%08X (%s, source 0x%02X, line %u, error %u)\n", what, code,
-                RynFailure(code) ? "failure" : "success", source, line, error & 0xFFu);
-}
 
 // Attribute reads go through the decorated entry point, which asks for the
 // identifier as given: the undecorated one renumbers identifiers for older
@@ -23,12 +20,27 @@ ResultCode readText(DeviceHandle handle, int32_t attribute, char *text, uint32_t
     return RynDrvGetAttributeValueSz_16(handle, attribute, text, size);
 }
 
+// Decimal, or hexadecimal after 0x; a leading 0 is no octal prefix, so that
+// "010" is ten as a user reading it expects.
 std::optional<uint32_t> parseNumber(const char *text) {
+    const bool hex = text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+    const char *digits = hex ? text + 2 : text;
+    const unsigned char first = static_cast<unsigned char>(*digits);
+    if (hex ? !std::isxdigit(first) : !std::isdigit(first)) return std::nullopt;
     char *end = nullptr;
     errno = 0;
-    const unsigned long long value = std::strtoull(text, &end, 0);
-    if (*text == '\0' || *text == '-' || *end != '\0' || errno != 0 || value > 0xFFFFFFFFull) return std::nullopt;
+    const unsigned long long value = std::strtoull(digits, &end, hex ? 16 : 10);
+    if (*end != '\0' || errno != 0 || value > 0xFFFFFFFFull) return std::nullopt;
     return static_cast<uint32_t>(value);
+}
+
+std::optional<uint32_t> parseWord(const char *text) {
+    if (text[0] != '-') return parseNumber(text);
+    // Negative numbers are decimal only: "-0x1" is more likely a slip than a code.
+    const bool hex = text[1] == '0' && (text[2] == 'x' || text[2] == 'X');
+    const auto magnitude = hex ? std::nullopt : parseNumber(text + 1);
+    if (!magnitude || *magnitude > 0x80000000u) return std::nullopt;
+    return 0u - *magnitude;
 }
 
 Session::Session() {
@@ -52,8 +64,10 @@ struct TypeName {
     int32_t type;
     const char *name;
 };
-constexpr TypeName kTypeNames[] = {{1, "board"}, {2, "t1e1"}, {3, "dsp"},  {4, "hdlc"}, {5, "raw"},
-                                   {6, "burst"}, {7, "pots"}, {8, "slic"}, {9, "jtag"}};
+constexpr TypeName kTypeNames[] = {
+    {RYN_VB_DEVICE_BOARD, "board"}, {RYN_VB_DEVICE_T1E1, "t1e1"},  {RYN_VB_DEVICE_DSP, "dsp"},
+    {RYN_VB_DEVICE_HDLC, "hdlc"},   {RYN_VB_DEVICE_RAW_DATA, "raw"}, {RYN_VB_DEVICE_BURST, "burst"},
+    {RYN_VB_DEVICE_POTS, "pots"},   {RYN_VB_DEVICE_SLIC, "slic"},  {RYN_VB_DEVICE_JTAG, "jtag"}};
 
 }  // namespace
 
@@ -74,7 +88,7 @@ std::optional<DeviceHandle> findDevice(const char *what) {
         DeviceHandle handle = 0;
         const ResultCode result = RynDrvGetDeviceHandle_16(0, t.type, *number, &handle);
         if (RynSuccess(result)) return handle;
-        std::fprintf(stderr, "rynctl: the board has no device \"%s\"\n", what);
+        std::fprintf(stderr, "rynctl: the board has no device \"%s\" (%s)\n", what, describeResult(result).c_str());
         return std::nullopt;
     }
     std::fprintf(stderr, "rynctl: \"%s\" names no device (TYPE:NUMBER with TYPE board, t1e1, dsp, hdlc, raw, burst, "
@@ -82,58 +96,56 @@ std::optional<DeviceHandle> findDevice(const char *what) {
     return std::nullopt;
 }
 
-int info() {
+// Reads the library's own attributes, which need no driver.
+std::string libraryVersion() {
     char version[16] = {};
     readText(RYN_LIBRARY_PSEUDO_HANDLE, 9, version, sizeof version);
-    char module[16] = {};
-    readText(RYN_LIBRARY_PSEUDO_HANDLE, 11, module, sizeof module);
-    std::printf("%-22s %s %s\n", "library", module, version);
-    const ResultCode connected = RynDrvConnectLib();
-    OsaHandle handle = INVALID_HANDLE_VALUE;
-    if (RynDrvGetHandle(&handle) != 0) {
-        std::printf("%-22s not opened (no driver answers to \"RYNDRV\")\n", "driver device");
-        printResult("connect", connected);
-        return 1;
-    }
-    std::printf("%-22s opened (handle %u)\n", "driver device", handle);
-    printResult("version announcement", connected);
-    char driverVersion[80] = {};
-    const ResultCode read = readText(RYN_DRIVER_PSEUDO_HANDLE, 13, driverVersion, sizeof driverVersion);
-    if (RynSuccess(read)) {
-        std::printf("%-22s %.79s\n", "driver version", driverVersion);
-    } else {
-        printResult("driver version", read);
-    }
-    RynDrvReleaseLib();
-    return 0;
+    return version;
+}
+
+Command infoCommand(CLI::App &rynctl) {
+    CLI::App *app = rynctl.add_subcommand("info", "library and driver versions");
+    app->footer("Prints the library's own version attributes, whether the driver device \"RYNDRV\" opens, the\n"
+                "driver's answer to the library's version announcement and the driver's version string.");
+    return {app, [] {
+                char module[16] = {};
+                readText(RYN_LIBRARY_PSEUDO_HANDLE, 11, module, sizeof module);
+                std::printf("%-22s %s %s\n", "library", module, libraryVersion().c_str());
+                const ResultCode connected = RynDrvConnectLib();
+                OsaHandle handle = INVALID_HANDLE_VALUE;
+                if (RynDrvGetHandle(&handle) != 0) {
+                    std::printf("%-22s not opened (no driver answers to \"RYNDRV\")\n", "driver device");
+                    printResult("connect", connected);
+                    return kExitRefused;
+                }
+                std::printf("%-22s opened (handle %u)\n", "driver device", handle);
+                printResult("version announcement", connected);
+                char driverVersion[80] = {};
+                const ResultCode read = readText(RYN_DRIVER_PSEUDO_HANDLE, RYN_VB_ATTR_DRIVER_VERSION, driverVersion, sizeof driverVersion);
+                if (RynSuccess(read)) {
+                    std::printf("%-22s %.79s\n", "driver version", driverVersion);
+                } else {
+                    printResult("driver version", read);
+                }
+                RynDrvReleaseLib();
+                return kExitDone;
+            }};
 }
 
 // ---- Device tree and attributes --------------------------------------------
 
 namespace {
 
-int listUsage(FILE *to) {
-    std::fprintf(to,
-                 "usage: rynctl list\n"
-                 "Connects to the driver and prints its device tree: every device type and device the driver\n"
-                 "enumerates, with the device's handle, its name for the other commands (TYPE:NUMBER), the\n"
-                 "driver's name for it and its state.\n");
-    return to == stdout ? 0 : 2;
-}
-
 uint32_t readWord(DeviceHandle handle, int32_t attribute) {
     uint32_t value = 0;
     return RynSuccess(RynDrvGetAttributeValueUint32_12(handle, attribute, &value)) ? value : 0xFFFFFFFFu;
 }
 
-}  // namespace
-
-int list(int argc, char **argv) {
-    if (argc != 0) return listUsage(argc == 1 && std::strcmp(argv[0], "--help") == 0 ? stdout : stderr);
+int list() {
     Session session;
-    if (!session.ok()) return 1;
+    if (!session.ok()) return kExitRefused;
     char version[80] = {};
-    readText(RYN_DRIVER_PSEUDO_HANDLE, 13, version, sizeof version);
+    readText(RYN_DRIVER_PSEUDO_HANDLE, RYN_VB_ATTR_DRIVER_VERSION, version, sizeof version);
     std::printf("driver %s\n", version);
     int32_t types = 0;
     for (RynDrvIteratorBegin(&types); RynDrvIsIteratorEnd(&types);) {
@@ -141,7 +153,7 @@ int list(int argc, char **argv) {
         const ResultCode result = RynDrvEnumDeviceType_12(0, &types, &type);
         if (RynFailure(result)) {
             printResult("device types", result);
-            return 1;
+            return kExitRefused;
         }
         int32_t devices = 0;
         for (RynDrvIteratorBegin(&devices); RynDrvIsIteratorEnd(&devices);) {
@@ -158,20 +170,7 @@ int list(int argc, char **argv) {
                         readWord(handle, 4));
         }
     }
-    return 0;
-}
-
-namespace {
-
-int attrUsage(FILE *to) {
-    std::fprintf(to,
-                 "usage: rynctl attr DEVICE\n"
-                 "       rynctl attr DEVICE ID\n"
-                 "       rynctl attr DEVICE ID VALUE\n"
-                 "Reads a device's attributes: all of them (identifiers 1 to 99 the driver knows), or attribute\n"
-                 "ID; with VALUE, sets attribute ID (a number is set as a 32-bit value, other text as text).\n"
-                 "DEVICE is TYPE:NUMBER (dsp:0, hdlc:1), a driver handle, or 0 for the driver itself.\n");
-    return to == stdout ? 0 : 2;
+    return kExitDone;
 }
 
 // Prints one attribute; false when the driver does not have it.
@@ -205,49 +204,82 @@ bool printAttribute(DeviceHandle handle, int32_t id, bool reportMissing) {
     return true;
 }
 
+// Whether a VALUE reads as a number, whatever its size: such a value out of
+// the 32-bit range is a slip, not text.
+bool looksNumeric(const std::string &text) {
+    const size_t start = text.rfind("-", 0) == 0 ? 1 : 0;
+    const bool hex = text.compare(start, 2, "0x") == 0 || text.compare(start, 2, "0X") == 0;
+    const size_t first = start + (hex ? 2 : 0);
+    if (first >= text.size()) return false;
+    for (size_t i = first; i < text.size(); ++i) {
+        const unsigned char c = static_cast<unsigned char>(text[i]);
+        if (hex ? !std::isxdigit(c) : !std::isdigit(c)) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
-int attr(int argc, char **argv) {
-    if (argc == 1 && std::strcmp(argv[0], "--help") == 0) return attrUsage(stdout);
-    if (argc < 1 || argc > 3) return attrUsage(stderr);
-    const auto id = argc >= 2 ? parseNumber(argv[1]) : std::optional<uint32_t>(0);
-    if (!id) return attrUsage(stderr);
-    Session session;
-    if (!session.ok()) return 1;
-    const auto device = findDevice(argv[0]);
-    if (!device) return 1;
-    if (argc == 1) {
-        for (int32_t i = 1; i < 100; ++i) printAttribute(*device, i, false);
-        return 0;
-    }
-    if (argc == 3) {
-        const auto number = parseNumber(argv[2]);
-        const ResultCode set = number ? RynDrvSetAttributeValueUint32_12(*device, static_cast<int32_t>(*id), *number)
-                                      : RynDrvSetAttributeValueSz_12(*device, static_cast<int32_t>(*id), argv[2]);
-        if (RynFailure(set)) {
-            printResult("set attribute", set);
-            return 1;
-        }
-    }
-    return printAttribute(*device, static_cast<int32_t>(*id), true) ? 0 : 1;
+Command listCommand(CLI::App &rynctl) {
+    CLI::App *app = rynctl.add_subcommand("list", "the board's device tree");
+    app->footer("Connects to the driver and prints its device tree: every device type and device the driver\n"
+                "enumerates, with the device's handle, its name for the other commands (TYPE:NUMBER), the\n"
+                "driver's name for it and its state.");
+    return {app, list};
+}
+
+Command attrCommand(CLI::App &rynctl) {
+    struct Options {
+        std::string device, value;
+        uint32_t id = 0;
+        bool text = false;
+    };
+    auto o = std::make_shared<Options>();
+    CLI::App *app = rynctl.add_subcommand("attr", "read or set attributes");
+    app->footer(
+        "Reads a device's attributes: all of them (identifiers 1 to 99 the driver knows), or attribute ID;\n"
+        "with VALUE, sets attribute ID and reads it back. A VALUE that is a number - decimal, 0x\n"
+        "hexadecimal, or negative decimal from -2147483648 (-1 is 0xFFFFFFFF) - is set as a 32-bit value;\n"
+        "any other VALUE is set as text, and --text sets even a number as text. DEVICE is TYPE:NUMBER\n"
+        "(dsp:0, hdlc:1), a driver handle, or 0 for the driver itself.");
+    addDevice(*app, o->device, "the device (0: the driver)");
+    CLI::Option *id = addNumber(*app, "ID", o->id, "the attribute's identifier")->type_name("ID");
+    CLI::Option *value = app->add_option("VALUE", o->value, "the value to set")->type_name("VALUE")->needs(id);
+    app->add_flag("--text", o->text, "set VALUE as text even when it reads as a number")->needs(value);
+    return {app, [o, id, value] {
+                std::optional<uint32_t> number;
+                if (value->count() != 0 && !o->text) {
+                    number = parseWord(o->value.c_str());
+                    if (!number && looksNumeric(o->value)) {
+                        std::fprintf(stderr,
+                                     "rynctl attr: VALUE: \"%s\" is out of the 32-bit range (-2147483648 to "
+                                     "4294967295); give --text to set it as text\n",
+                                     o->value.c_str());
+                        return kExitUsage;
+                    }
+                }
+                Session session;
+                if (!session.ok()) return kExitRefused;
+                const auto device = findDevice(o->device.c_str());
+                if (!device) return kExitRefused;
+                if (id->count() == 0) {
+                    for (int32_t i = 1; i < 100; ++i) printAttribute(*device, i, false);
+                    return kExitDone;
+                }
+                const int32_t attribute = static_cast<int32_t>(o->id);
+                if (value->count() != 0) {
+                    const ResultCode set = number ? RynDrvSetAttributeValueUint32_12(*device, attribute, *number)
+                                                  : RynDrvSetAttributeValueSz_12(*device, attribute, o->value.c_str());
+                    if (RynFailure(set)) {
+                        printResult("set attribute", set);
+                        return kExitRefused;
+                    }
+                }
+                return printAttribute(*device, attribute, true) ? kExitDone : kExitRefused;
+            }};
 }
 
 // ---- Events ------------------------------------------------------------------
-
-namespace {
-
-int eventsUsage(FILE *to) {
-    std::fprintf(to,
-                 "usage: rynctl events DEVICE [--count N] [--timeout MS]\n"
-                 "Creates a driver event queue for DEVICE (0 for every device), enables the device, then waits\n"
-                 "on the queue's event object and prints each event record as it comes: board time, device\n"
-                 "type, event code with the driver's text for it, the device's handle and the three values.\n"
-                 "Stops after N records (default: no limit) or when none came for MS milliseconds (default\n"
-                 "1000).\n");
-    return to == stdout ? 0 : 2;
-}
-
-}  // namespace
 
 // One event record on one line.
 void printEvent(const EventData &record) {
@@ -263,95 +295,82 @@ void printEvent(const EventData &record) {
                 record.word[6], record.word[7]);
 }
 
-int events(int argc, char **argv) {
-    const char *what = nullptr;
-    uint32_t count = 0, timeout = 1000;
-    for (int i = 0; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--help") == 0) return eventsUsage(stdout);
-        const uint32_t value = i + 1 < argc ? parseNumber(argv[i + 1]).value_or(0xFFFFFFFFu) : 0xFFFFFFFFu;
-        if (std::strcmp(argv[i], "--count") == 0 && value != 0xFFFFFFFFu) {
-            count = value;
-            ++i;
-        } else if (std::strcmp(argv[i], "--timeout") == 0 && value != 0xFFFFFFFFu) {
-            timeout = value;
-            ++i;
-        } else if (what == nullptr && argv[i][0] != '-') {
-            what = argv[i];
-        } else {
-            return eventsUsage(stderr);
-        }
-    }
-    if (what == nullptr) return eventsUsage(stderr);
-    Session session;
-    if (!session.ok()) return 1;
-    const auto device = std::strcmp(what, "0") == 0 ? std::optional<DeviceHandle>(0) : findDevice(what);
-    if (!device) return 1;
-    OsaHandle event = 0;
-    DeviceHandle queue = 0;
-    RynDrvCreateEvent(&event);
-    const ResultCode created = RynDrvCreateEventQueue(*device, event, &queue);
-    if (RynFailure(created)) {
-        printResult("event queue", created);
-        RynDrvCloseEvent(event);
-        return 1;
-    }
-    if (*device != 0) RynDrvEnable(*device, 0, 0);
-    uint32_t seen = 0;
-    EventData record{};
-    while (count == 0 || seen < count) {
-        if (RynDrvGetEventData(queue, &record) == 0) {
-            printEvent(record);
-            std::fflush(stdout);
-            ++seen;
-        } else if (RynDrvWaitForSingleEvent(event, timeout) != 0) {
-            break;
-        }
-    }
-    RynDrvClose(queue);
-    RynDrvCloseEvent(event);
-    std::printf("%u event record%s\n", seen, seen == 1 ? "" : "s");
-    return 0;
+Command eventsCommand(CLI::App &rynctl) {
+    struct Options {
+        std::string device;
+        uint32_t count = 0, timeout = 1000;
+    };
+    auto o = std::make_shared<Options>();
+    CLI::App *app = rynctl.add_subcommand("events", "print event records as they come");
+    app->footer("Creates a driver event queue for DEVICE (0 for every device), enables the device, then waits\n"
+                "on the queue's event object and prints each event record as it comes: board time, device\n"
+                "type, event code with the driver's text for it, the device's handle and the three values.\n"
+                "Stops after N records (default: no limit) or when none came for MS milliseconds (default\n"
+                "1000).");
+    addDevice(*app, o->device, "the device (0: every device)");
+    addNumber(*app, "--count", o->count, "stop after N records (0, the default: no limit)");
+    addNumber(*app, "--timeout", o->timeout, "stop when no record came for MS milliseconds (default 1000)")
+        ->type_name("MS");
+    return {app, [o] {
+                Session session;
+                if (!session.ok()) return kExitRefused;
+                const auto device = findDevice(o->device.c_str());
+                if (!device) return kExitRefused;
+                OsaHandle event = 0;
+                DeviceHandle queue = 0;
+                RynDrvCreateEvent(&event);
+                const ResultCode created = RynDrvCreateEventQueue(*device, event, &queue);
+                if (RynFailure(created)) {
+                    printResult("event queue", created);
+                    RynDrvCloseEvent(event);
+                    return kExitRefused;
+                }
+                if (*device != 0) RynDrvEnable(*device, 0, 0);
+                uint32_t seen = 0;
+                EventData record{};
+                while (o->count == 0 || seen < o->count) {
+                    if (RynDrvGetEventData(queue, &record) == 0) {
+                        printEvent(record);
+                        std::fflush(stdout);
+                        ++seen;
+                    } else if (RynDrvWaitForSingleEvent(event, o->timeout) != 0) {
+                        break;
+                    }
+                }
+                RynDrvClose(queue);
+                RynDrvCloseEvent(event);
+                std::printf("%u event record%s\n", seen, seen == 1 ? "" : "s");
+                return kExitDone;
+            }};
 }
 
 // ---- Program loading -------------------------------------------------------
 
-namespace {
-
-int loadUsage(FILE *to) {
-    std::fprintf(to,
-                 "usage: rynctl load DEVICE FILE [--entry NAME]\n"
-                 "Loads a DSP program file (TI COFF) into the DSP DEVICE (dsp:0, dsp:1 or a driver handle) and\n"
-                 "starts it at its entry address, or at symbol or hexadecimal address NAME. Prints the result\n"
-                 "and what the DSP reports running.\n");
-    return to == stdout ? 0 : 2;
-}
-
-}  // namespace
-
-int load(int argc, char **argv) {
-    const char *what = nullptr, *path = nullptr, *entry = nullptr;
-    for (int i = 0; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--help") == 0) return loadUsage(stdout);
-        if (std::strcmp(argv[i], "--entry") == 0 && i + 1 < argc) {
-            entry = argv[++i];
-        } else if (argv[i][0] != '-' && what == nullptr) {
-            what = argv[i];
-        } else if (argv[i][0] != '-' && path == nullptr) {
-            path = argv[i];
-        } else {
-            return loadUsage(stderr);
-        }
-    }
-    if (path == nullptr) return loadUsage(stderr);
-    Session session;
-    if (!session.ok()) return 1;
-    const auto device = findDevice(what);
-    if (!device) return 1;
-    const ResultCode result = RynDspRunProgram(*device, path, entry);
-    printResult("load and start", result);
-    if (RynFailure(result)) return 1;
-    for (int32_t id = 32; id <= 37; ++id) printAttribute(*device, id, false);  // the DSP's program attributes
-    return 0;
+Command loadCommand(CLI::App &rynctl) {
+    struct Options {
+        std::string device, path, entry;
+    };
+    auto o = std::make_shared<Options>();
+    CLI::App *app = rynctl.add_subcommand("load", "load and start a DSP program file");
+    app->footer("Loads a DSP program file (TI COFF) into the DSP DEVICE (dsp:0, dsp:1 or a driver handle) and\n"
+                "starts it at its entry address, or at symbol or hexadecimal address NAME. Prints the result\n"
+                "and what the DSP reports running.");
+    addDevice(*app, o->device, "the DSP");
+    app->add_option("FILE", o->path, "the program file")->required();
+    app->add_option("--entry", o->entry, "start at this symbol or hexadecimal address")->type_name("NAME");
+    return {app, [o] {
+                Session session;
+                if (!session.ok()) return kExitRefused;
+                const auto device = findDevice(o->device.c_str());
+                if (!device) return kExitRefused;
+                const ResultCode result =
+                    RynDspRunProgram(*device, o->path.c_str(), o->entry.empty() ? nullptr : o->entry.c_str());
+                printResult("load and start", result);
+                if (RynFailure(result)) return kExitRefused;
+                // The DSP's program attributes.
+                for (int32_t id = RYN_VB_ATTR_DSP_TYPE; id <= RYN_VB_ATTR_DSP_MODULE_FLAG; ++id) printAttribute(*device, id, false);
+                return kExitDone;
+            }};
 }
 
 // ---- Built-in modules ----------------------------------------------------------
@@ -371,49 +390,53 @@ constexpr SpmRow kSpmRows[] = {
 #undef RYN_SPM_MODULE
 };
 
-int spmUsage(FILE *to) {
-    std::fprintf(to,
-                 "usage: rynctl spm list\n"
-                 "       rynctl spm run DEVICE MODULE\n"
-                 "list prints the built-in signal-processing modules: identifier, DSP type, kind of image,\n"
-                 "length in words, entry address and the text the image carries. run connects to the driver\n"
-                 "and runs module MODULE on the DSP DEVICE (dsp:0, or a driver handle such as 0x10000004),\n"
-                 "choosing the image by the DSP type the driver reports.\n");
-    return to == stdout ? 0 : 2;
-}
-
 std::string printable(const char *text) {
     std::string out;
     for (; *text != '\0'; ++text) out += *text == '\n' ? std::string("\\n") : std::string(1, *text);
     return out;
 }
 
+int spmList() {
+    std::printf("module  DSP type  image                 length  entry     text\n");
+    for (const SpmRow &row : kSpmRows) {
+        const char *kind = std::strcmp(row.form, "CommandStream") == 0 ? "command stream"
+                           : std::strcmp(row.form, "Records1") == 0    ? "word records (v1)"
+                                                                       : "byte records (v2)";
+        std::printf("%6u  %8u  %-20s %7u  0x%05X   %s\n", row.module, row.dspType, kind, row.length, row.entry,
+                    printable(row.text).c_str());
+    }
+    return kExitDone;
+}
+
 }  // namespace
 
-int spm(int argc, char **argv) {
-    if (argc == 1 && std::strcmp(argv[0], "list") == 0) {
-        std::printf("module  DSP type  image                 length  entry     text\n");
-        for (const SpmRow &row : kSpmRows) {
-            const char *kind = std::strcmp(row.form, "CommandStream") == 0 ? "command stream"
-                               : std::strcmp(row.form, "Records1") == 0    ? "word records (v1)"
-                                                                           : "byte records (v2)";
-            std::printf("%6u  %8u  %-20s %7u  0x%05X   %s\n", row.module, row.dspType, kind, row.length, row.entry,
-                        printable(row.text).c_str());
-        }
-        return 0;
-    }
-    if (argc == 3 && std::strcmp(argv[0], "run") == 0) {
-        const auto module = parseNumber(argv[2]);
-        if (!module) return spmUsage(stderr);
-        Session session;
-        if (!session.ok()) return 1;
-        const auto device = findDevice(argv[1]);
-        if (!device) return 1;
-        const ResultCode result = RynDspRunSpm(*device, *module);
-        printResult("run module", result);
-        return RynFailure(result) ? 1 : 0;
-    }
-    return spmUsage(argc == 1 && std::strcmp(argv[0], "--help") == 0 ? stdout : stderr);
+Command spmCommand(CLI::App &rynctl) {
+    struct Options {
+        std::string device;
+        uint32_t module = 0;
+    };
+    auto o = std::make_shared<Options>();
+    CLI::App *app = rynctl.add_subcommand("spm", "the built-in DSP modules: list, or run one");
+    app->require_subcommand(1);
+    CLI::App *list = app->add_subcommand("list", "print the built-in modules");
+    list->footer("Prints the built-in signal-processing modules: identifier, DSP type, kind of image, length\n"
+                 "in words, entry address and the text the image carries. Needs no driver.");
+    CLI::App *run = app->add_subcommand("run", "run a built-in module on a DSP");
+    run->footer("Connects to the driver and runs module MODULE on the DSP DEVICE (dsp:0, or a driver handle\n"
+                "such as 0x10000004), choosing the image by the DSP type the driver reports.");
+    app->footer(list->get_footer() + "\n" + run->get_footer());
+    addDevice(*run, o->device, "the DSP");
+    addNumber(*run, "MODULE", o->module, "the module's identifier (see spm list)")->required()->type_name("MODULE");
+    return {app, [o, list] {
+                if (list->parsed()) return spmList();
+                Session session;
+                if (!session.ok()) return kExitRefused;
+                const auto device = findDevice(o->device.c_str());
+                if (!device) return kExitRefused;
+                const ResultCode result = RynDspRunSpm(*device, o->module);
+                printResult("run module", result);
+                return RynFailure(result) ? kExitRefused : kExitDone;
+            }};
 }
 
 }  // namespace rynctl

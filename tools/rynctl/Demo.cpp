@@ -1,5 +1,7 @@
 // rynctl demo: the library at work on the board, one step after the other,
 // each checked against what was sent.
+#include <CLI/CLI.hpp>
+
 #include <cstring>
 #include <string>
 
@@ -10,28 +12,11 @@ namespace {
 
 constexpr const char *kDigits = "1234#";
 constexpr uint32_t kModule = 0;  // the built-in module run on DSP 0
-constexpr int32_t kDtmfDialler = 105, kDtmfDetector = 111;
-constexpr int32_t kModuleAttribute = 33, kEntryAttribute = 34, kProgramStateAttribute = 35;
-constexpr uint32_t kDigitEvent = 0x0500, kDialDoneEvent = 0x0506;
+constexpr int32_t kDtmfDialler = RYN_VB_BLOCK_DTMF_DIALLER, kDtmfDetector = RYN_VB_BLOCK_DTMF_DETECTOR;
+constexpr int32_t kModuleAttribute = RYN_VB_ATTR_DSP_MODULE, kEntryAttribute = RYN_VB_ATTR_DSP_ENTRY,
+                  kProgramStateAttribute = RYN_VB_ATTR_DSP_PROGRAM_STATE;
+constexpr uint32_t kDigitEvent = RYN_VB_EVENT_DTMF_DIGIT, kDialDoneEvent = RYN_VB_EVENT_DIALLING_FINISHED;
 constexpr uint32_t kRunning = 2;
-
-int demoUsage(FILE *to) {
-    std::fprintf(to,
-                 "usage: rynctl demo\n"
-                 "Shows the library at work on the board (the virtual board when no other is installed):\n"
-                 "  1. board  connects to the driver, prints its version and enumerates its device tree.\n"
-                 "  2. dsp    runs built-in signal-processing module %u on DSP 0 (RynDspRunSpm: the library\n"
-                 "            picks the image for the DSP's type and ships it) and reads back which module\n"
-                 "            the DSP reports running.\n"
-                 "  3. dtmf   creates a DTMF dialler and a DTMF detector on DSP 0, connects the dialler's\n"
-                 "            output to the detector, waits on a driver event queue for the detector's\n"
-                 "            events, dials \"%s\" and prints each digit detected with its event.\n"
-                 "  4. hdlc   sets up HDLC channel 0, sends three frames through its loopback and reads\n"
-                 "            them back.\n"
-                 "Then a summary. Exits 0 only when every step came back as sent.\n",
-                 kModule, kDigits);
-    return to == stdout ? 0 : 2;
-}
 
 bool ok(const char *what, ResultCode result) {
     if (RynFailure(result)) printResult(what, result);
@@ -41,7 +26,7 @@ bool ok(const char *what, ResultCode result) {
 bool showBoard() {
     std::printf("== 1. board\n");
     char version[80] = {};
-    if (!ok("driver version", readText(RYN_DRIVER_PSEUDO_HANDLE, 13, version, sizeof version))) return false;
+    if (!ok("driver version", readText(RYN_DRIVER_PSEUDO_HANDLE, RYN_VB_ATTR_DRIVER_VERSION, version, sizeof version))) return false;
     std::printf("driver %s\n", version);
     uint32_t devices = 0;
     int32_t types = 0;
@@ -136,13 +121,9 @@ bool loopFrames(uint32_t &returned) {
     return returned == 3;
 }
 
-}  // namespace
-
-int demo(int argc, char **argv) {
-    if (argc == 1 && std::strcmp(argv[0], "--help") == 0) return demoUsage(stdout);
-    if (argc != 0) return demoUsage(stderr);
+int demo() {
     Session session;
-    if (!session.ok()) return 1;
+    if (!session.ok()) return kExitRefused;
     const bool board = showBoard();
     const auto dsp = findDevice("dsp:0");
     const bool module = dsp && runModule(*dsp);
@@ -158,7 +139,29 @@ int demo(int argc, char **argv) {
     std::printf("  hdlc    %u of 3 frames came back%s\n", frames, hdlc ? "" : "  FAILED");
     const bool good = board && module && dtmf && hdlc;
     std::printf("%s\n", good ? "everything came back as sent" : "something did not come back as sent");
-    return good ? 0 : 1;
+    return good ? kExitDone : kExitRefused;
+}
+
+}  // namespace
+
+Command demoCommand(CLI::App &rynctl) {
+    CLI::App *app = rynctl.add_subcommand("demo", "the library at work on the board, every step checked");
+    char steps[1024];
+    std::snprintf(steps, sizeof steps,
+                  "Shows the library at work on the board (the virtual board when no other is installed):\n"
+                  "  1. board  connects to the driver, prints its version and enumerates its device tree.\n"
+                  "  2. dsp    runs built-in signal-processing module %u on DSP 0 (RynDspRunSpm: the library\n"
+                  "            picks the image for the DSP's type and ships it) and reads back which module\n"
+                  "            the DSP reports running.\n"
+                  "  3. dtmf   creates a DTMF dialler and a DTMF detector on DSP 0, connects the dialler's\n"
+                  "            output to the detector, waits on a driver event queue for the detector's\n"
+                  "            events, dials \"%s\" and prints each digit detected with its event.\n"
+                  "  4. hdlc   sets up HDLC channel 0, sends three frames through its loopback and reads\n"
+                  "            them back.\n"
+                  "Then a summary. Exits 0 only when every step came back as sent.",
+                  kModule, kDigits);
+    app->footer(steps);
+    return {app, demo};
 }
 
 }  // namespace rynctl

@@ -1,5 +1,7 @@
 // Program files and images: what a DSP program file holds, and program
 // images made from one through the library's create calls.
+#include <CLI/CLI.hpp>
+
 #include <cstring>
 
 #include "Rynctl.h"
@@ -22,10 +24,10 @@ std::optional<std::vector<uint8_t>> readFile(const char *path) {
 
 namespace {
 
-// Why a program file or an entry name was refused, by error number.
-std::string refusal(uint32_t error, const char *path, const char *entry, bool records) {
+// Why a program file or an entry name was refused, by the code's error number.
+std::string refusal(ResultCode code, const char *path, const char *entry, bool records) {
     const std::string file = std::string("\"") + path + "\"";
-    switch (error) {
+    switch (code & 0xFFu) {
         case 5:
             return file + " is not a complete program file: it ends early or points outside itself";
         case 6:
@@ -42,45 +44,22 @@ std::string refusal(uint32_t error, const char *path, const char *entry, bool re
         case 29:
             return "the image is larger than a command-stream image can be (65535 words)";
         default:
-            return file + ": error " + std::to_string(error);
+            return file + ": " + describeResult(code);
     }
 }
 
-int coffUsage(FILE *to) {
-    std::fprintf(to,
-                 "usage: rynctl coff FILE [--entry NAME]\n"
-                 "Prints a DSP program file's version, target, sections (name, DSP address, size in load units,\n"
-                 "whether the loader sends it) and the entry address the loader would start it at.\n");
-    return to == stdout ? 0 : 2;
-}
-
-}  // namespace
-
-int coff(int argc, char **argv) {
-    const char *path = nullptr;
-    const char *entry = "";
-    for (int i = 0; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--help") == 0) return coffUsage(stdout);
-        if (std::strcmp(argv[i], "--entry") == 0 && i + 1 < argc) {
-            entry = argv[++i];
-        } else if (path == nullptr && argv[i][0] != '-') {
-            path = argv[i];
-        } else {
-            return coffUsage(stderr);
-        }
-    }
-    if (path == nullptr) return coffUsage(stderr);
+int coff(const char *path, const char *entry) {
     const auto bytes = readFile(path);
     if (!bytes) {
         std::fprintf(stderr, "rynctl: cannot read \"%s\"\n", path);
-        return 1;
+        return kExitRefused;
     }
     ryn::coff::ProgramFile file;
     uint8_t error = file.open(*bytes);
     if (error == 0) error = file.validate();
     if (error != 0) {
-        std::fprintf(stderr, "rynctl: %s\n", refusal(error, path, entry, false).c_str());
-        return 1;
+        std::fprintf(stderr, "rynctl: %s\n", refusal(0x80000000u | error, path, entry, false).c_str());
+        return kExitRefused;
     }
     std::printf("version   %d\ntarget    %s\nsections  %u\n", file.version(),
                 file.byteTarget() ? "0x009C (bytes)" : (file.version() == 1 ? "words" : "0x0098 (words)"),
@@ -93,45 +72,14 @@ int coff(int argc, char **argv) {
     }
     if (*entry != '\0') error = file.resolveEntry(entry, address);
     if (error != 0) {
-        std::fprintf(stderr, "rynctl: %s\n", refusal(error, path, entry, false).c_str());
-        return 1;
+        std::fprintf(stderr, "rynctl: %s\n", refusal(0x80000000u | error, path, entry, false).c_str());
+        return kExitRefused;
     }
     std::printf("entry     0x%08X\n", address);
-    return 0;
+    return kExitDone;
 }
 
-namespace {
-
-int imageUsage(FILE *to) {
-    std::fprintf(to,
-                 "usage: rynctl image FILE -o OUT [--records] [--entry NAME]\n"
-                 "Makes a program image from a DSP program file and writes it to OUT as 16-bit little-endian\n"
-                 "words: a command-stream image (word targets), or with --records a record image (version 2\n"
-                 "files). Prints the image's length in words and its entry address.\n");
-    return to == stdout ? 0 : 2;
-}
-
-}  // namespace
-
-int image(int argc, char **argv) {
-    const char *path = nullptr, *out = nullptr, *entry = "";
-    bool records = false;
-    for (int i = 0; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--help") == 0) return imageUsage(stdout);
-        if (std::strcmp(argv[i], "-o") == 0 && i + 1 < argc) {
-            out = argv[++i];
-        } else if (std::strcmp(argv[i], "--entry") == 0 && i + 1 < argc) {
-            entry = argv[++i];
-        } else if (std::strcmp(argv[i], "--records") == 0) {
-            records = true;
-        } else if (path == nullptr && argv[i][0] != '-') {
-            path = argv[i];
-        } else {
-            return imageUsage(stderr);
-        }
-    }
-    if (path == nullptr || out == nullptr) return imageUsage(stderr);
-
+int image(const char *path, const char *out, const char *entry, bool records) {
     std::vector<uint16_t> words;
     uint32_t used = 0, address = 0;
     ResultCode result = 0;
@@ -148,8 +96,8 @@ int image(int argc, char **argv) {
         used = count;
     }
     if (RynFailure(result)) {
-        std::fprintf(stderr, "rynctl: %s\n", refusal(result & 0xFF, path, entry, records).c_str());
-        return 1;
+        std::fprintf(stderr, "rynctl: %s\n", refusal(result, path, entry, records).c_str());
+        return kExitRefused;
     }
     FILE *file = std::fopen(out, "wb");
     bool written = file != nullptr;
@@ -160,11 +108,45 @@ int image(int argc, char **argv) {
     if (file != nullptr && std::fclose(file) != 0) written = false;
     if (!written) {
         std::fprintf(stderr, "rynctl: cannot write \"%s\"\n", out);
-        return 1;
+        return kExitRefused;
     }
     std::printf("%s image of %u words, entry 0x%08X, written to %s\n", records ? "record" : "command-stream", used,
                 address, out);
-    return 0;
+    return kExitDone;
+}
+
+}  // namespace
+
+Command coffCommand(CLI::App &rynctl) {
+    struct Options {
+        std::string path, entry;
+    };
+    auto o = std::make_shared<Options>();
+    CLI::App *app = rynctl.add_subcommand("coff", "what a DSP program file holds");
+    app->footer("Prints a DSP program file's version, target, sections (name, DSP address, size in load units,\n"
+                "whether the loader sends it) and the entry address the loader would start it at: the file's\n"
+                "own, or that of symbol or hexadecimal address NAME. Needs no driver.");
+    app->add_option("FILE", o->path, "the program file (TI COFF, version 1 or 2)")->required();
+    app->add_option("--entry", o->entry, "the entry symbol or hexadecimal address")->type_name("NAME");
+    return {app, [o] { return coff(o->path.c_str(), o->entry.c_str()); }};
+}
+
+Command imageCommand(CLI::App &rynctl) {
+    struct Options {
+        std::string path, out, entry;
+        bool records = false;
+    };
+    auto o = std::make_shared<Options>();
+    CLI::App *app = rynctl.add_subcommand("image", "a program image made from a program file");
+    app->footer("Makes a program image from a DSP program file through the library's create calls and writes\n"
+                "it to OUT as 16-bit little-endian words: a command-stream image (word targets), or with\n"
+                "--records a record image (version 2 files). Prints the image's length in words and its entry\n"
+                "address. Needs no driver.");
+    app->add_option("FILE", o->path, "the program file (TI COFF, version 1 or 2)")->required();
+    app->add_option("-o,--output", o->out, "the image file to write")->required()->type_name("OUT");
+    app->add_flag("--records", o->records, "make a record image instead of a command-stream image");
+    app->add_option("--entry", o->entry, "the entry symbol or hexadecimal address")->type_name("NAME");
+    return {app, [o] { return image(o->path.c_str(), o->out.c_str(), o->entry.c_str(), o->records); }};
 }
 
 }  // namespace rynctl
