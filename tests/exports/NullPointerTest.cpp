@@ -107,9 +107,11 @@ struct Outcome {
     uint32_t sent = 0;
 };
 
-// Zeroed memory for every pointer that is not the null one: long enough for
-// any record or buffer a call reads, and an empty string for text arguments.
-alignas(16) std::array<unsigned char, 1 << 16> scratch{};
+// Zeroed memory for every pointer that is not the null one, a region of its
+// own for each argument: long enough for any record or buffer a call reads,
+// and an empty string for text arguments.
+constexpr size_t kRegion = 8192;
+alignas(16) std::array<unsigned char, 16 * kRegion> scratch{};
 
 uint32_t noRoutine(void *) { return 0; }
 
@@ -124,7 +126,7 @@ T validArgument(uint32_t handle, size_t index) {
         OsaMutexInit(&mutex);
         return &mutex;
     } else if constexpr (std::is_pointer_v<T>) {
-        return reinterpret_cast<T>(scratch.data());
+        return reinterpret_cast<T>(scratch.data() + index * kRegion);
     } else if constexpr (std::is_floating_point_v<T>) {
         return T(1);
     } else {

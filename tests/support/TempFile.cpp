@@ -16,7 +16,7 @@ TempFile::TempFile(const std::vector<uint8_t> &bytes, const std::string &name) {
     path_ = folder_ + "/" + name;
     FILE *file = std::fopen(path_.c_str(), "wb");
     if (file != nullptr) {
-        std::fwrite(bytes.data(), 1, bytes.size(), file);
+        if (!bytes.empty()) std::fwrite(bytes.data(), 1, bytes.size(), file);
         std::fclose(file);
     }
 }
