@@ -80,7 +80,8 @@ int32_t RYN_DECORATED(OsaStrToI, 4)(const char *s) {
 }
 
 char *RYN_DECORATED(OsaStrnSet, 12)(char *s, char c, uint32_t n) {
-    for (uint32_t i = 0; s != nullptr && i < n && s[i] != '\0'; ++i) s[i] = c;
+    // Up to n characters, never the terminator or past it.
+    if (s != nullptr) std::memset(s, c, strnlen(s, n));
     return s;
 }
 
