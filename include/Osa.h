@@ -55,11 +55,53 @@ extern "C" {
  * @{
  */
 
+/*
+ * The platform's part, in this one place: how a declaration is exported and
+ * which calling convention the decorated entry points use.
+ * - Windows: the library's own sources (RYN_BUILDING_LIBRARY) export with
+ *   __declspec(dllexport); programs import from the DLL with
+ *   __declspec(dllimport), or, linked against the static library, define
+ *   RYN_STATIC_LIBRARY and import nothing. Decorated entry points are
+ *   __stdcall, undecorated ones the C default (cdecl). A 32-bit compiler
+ *   names a __stdcall function `_Name_N@N`, so the bare name of a
+ *   decorated-only function is bound to that symbol there.
+ * - Elsewhere: default visibility marks an exported declaration; there is
+ *   one calling convention.
+ */
+#if defined(_WIN32)
+#define RYN_CALL __stdcall
+#if defined(RYN_BUILDING_LIBRARY) || defined(RYN_STATIC_LIBRARY)
+#if defined(RYN_BUILDING_LIBRARY)
+#define RYN_API __declspec(dllexport)
+#else
+#define RYN_API
+#endif
+#if defined(_WIN64)
+#define RYN_DECORATED_SYMBOL(name, n) #name "_" #n
+#else
+#define RYN_DECORATED_SYMBOL(name, n) "_" #name "_" #n "@" #n
+#endif
+#else
+#define RYN_API __declspec(dllimport)
+/* An imported symbol: the compiler puts the 32-bit leading underscore into
+   the import's own symbol (__imp__Name_N@N). */
+#if defined(_WIN64)
+#define RYN_DECORATED_SYMBOL(name, n) #name "_" #n
+#else
+#define RYN_DECORATED_SYMBOL(name, n) #name "_" #n "@" #n
+#endif
+#endif
+#else
 /** @brief Marks a declaration as exported from the shared library. */
 #if defined(__GNUC__)
 #define RYN_API __attribute__((visibility("default")))
 #else
 #define RYN_API
+#endif
+/** @brief The calling convention of the decorated entry points: `__stdcall` on Windows, the only one here. */
+#define RYN_CALL
+/** @brief The linker's symbol of a decorated entry point, as a string. */
+#define RYN_DECORATED_SYMBOL(name, n) #name "_" #n
 #endif
 
 /** @brief Symbol of a decorated entry point: `_Name@N` on Windows, `Name_N` here (N: the bytes of the arguments). */
@@ -70,17 +112,17 @@ extern "C" {
  * `Name` forwards to it (and applies the driver-version translations of
  * RynHwDll.h).
  */
-#define RYN_ENTRY(ret, name, n, params)        \
-    RYN_API ret RYN_DECORATED(name, n) params; \
+#define RYN_ENTRY(ret, name, n, params)                 \
+    RYN_API ret RYN_CALL RYN_DECORATED(name, n) params; \
     RYN_API ret name params;
 
 /**
  * @brief Declares a function exported only under its decorated name; the
  * bare name is bound to the same symbol.
  */
-#define RYN_ENTRY_DECORATED(ret, name, n, params) \
-    RYN_API ret RYN_DECORATED(name, n) params;    \
-    RYN_API ret name params __asm__(#name "_" #n);
+#define RYN_ENTRY_DECORATED(ret, name, n, params)       \
+    RYN_API ret RYN_CALL RYN_DECORATED(name, n) params; \
+    RYN_API ret RYN_CALL name params __asm__(RYN_DECORATED_SYMBOL(name, n));
 
 /** @} */
 

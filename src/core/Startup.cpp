@@ -1,17 +1,20 @@
 // The load-time step: find the driver's version once, when the library is
 // loaded into a process.
 //
-// The driver version level lives in this file together with the constructor
-// that computes it. Every reader of the level (the undecorated entry points'
-// translations) references this object, so a program linked against the
-// static library pulls in the constructor as well, and the step runs however
-// the library is linked.
+// The driver version level lives in this file together with the step that
+// computes it. The platform's trigger (osa/LoadHook.h: an ELF constructor on
+// Linux, DllMain on Windows) calls runLoadStep. Every reader of the level
+// (the undecorated entry points' translations) references this object, and
+// this object references the trigger, so a program linked against the
+// static library pulls in the trigger as well, and the step runs however the
+// library is linked.
 #include <algorithm>
 #include <atomic>
 #include <cstring>
 
 #include "RynHwDll.h"
 #include "core/Compat.h"
+#include "osa/LoadHook.h"
 
 namespace ryn {
 namespace {
@@ -21,6 +24,9 @@ constexpr uint32_t kDriverVersionAttribute = 13;
 
 // Written once by the load-time step, before any API call; read afterwards.
 constinit std::atomic<uint32_t> versionLevel{0};
+
+// Keeps the platform's trigger of the load step in every link of this object.
+[[gnu::used]] constinit const char *const keepLoadHook = &osa::loadHookAnchor;
 
 }  // namespace
 
@@ -62,11 +68,4 @@ void runLoadStep() {
     RYN_DECORATED(RynDrvReleaseLib, 0)();
 }
 
-namespace {
-
-// Plays the part of the module entry point's process attach: runs once when
-// the library is loaded and never fails the load.
-__attribute__((constructor)) void onLibraryLoad() { runLoadStep(); }
-
-}  // namespace
 }  // namespace ryn

@@ -13,9 +13,11 @@ namespace ryn::exports {
 
 enum class Translation { None, Result, AttributeId, DeviceTypeIn, DeviceTypeOut, EventWord2, SpmId };
 
+// The result and argument types of a decorated entry point, which has the
+// calling convention RYN_CALL.
 template <auto Fn>
 struct Signature;
-template <class R, class... A, R (*Fn)(A...)>
+template <class R, class... A, R(RYN_CALL *Fn)(A...)>
 struct Signature<Fn> {
     using Result = R;
     using Arguments = std::tuple<A...>;

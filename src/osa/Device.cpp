@@ -1,10 +1,7 @@
 // OsaDeviceOpen, OsaDeviceClose and OsaDeviceIoControl over in-process
-// drivers and driver modules.
+// drivers, devices of the system and driver modules. The system's part (its
+// device namespace, loading modules) is behind osa/System.h.
 #include "osa/Device.h"
-
-#include <dlfcn.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
@@ -15,6 +12,7 @@
 #include <vector>
 
 #include "osa/Handles.h"
+#include "osa/System.h"
 
 namespace ryn::osa {
 namespace {
@@ -45,10 +43,11 @@ public:
     Device(std::string key, const RynUserDriver *driver) : HandleObject(kKind), key_(std::move(key)), driver_(driver) {}
 
     // Closes the driver's connection and unloads its module, if they were
-    // opened and loaded.
+    // opened and loaded. A device of the system has no driver table here: its
+    // handle is the connection, and the handle table closes it.
     ~Device() override {
-        if (instance_ != nullptr) driver_->close(instance_);
-        if (module_ != nullptr) dlclose(module_);
+        if (instance_ != nullptr && driver_ != nullptr) driver_->close(instance_);
+        if (module_ != nullptr) sys::unloadModule(module_);
     }
 
     const std::string &key() const { return key_; }
@@ -66,6 +65,13 @@ public:
         if (instance_ == nullptr) return false;
         control_ = driver_->control;
         return true;
+    }
+
+    // Talks to a device of the system through its handle `device`.
+    void useSystemDevice(sys::NativeHandle device) {
+        driver_ = nullptr;
+        instance_ = reinterpret_cast<void *>(device);
+        control_ = sys::systemDeviceControl;
     }
 
     int control(const RynDriverRequest &request, uint32_t *returned) const {
@@ -97,40 +103,24 @@ bool usable(const RynUserDriver *driver) {
            driver->control != nullptr && driver->close != nullptr;
 }
 
-// The folder that holds the loaded library file (or the program the library
-// is linked into; the system may name a program only as it was started, so
-// its path is taken from the process itself).
-std::string libraryFolder() {
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<void *>(&libraryFolder), &info) == 0 || info.dli_fname == nullptr) return {};
-    std::string path = info.dli_fname;
-    if (path.find('/') == std::string::npos) {
-        char self[4096];
-        const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
-        if (length > 0) path.assign(self, static_cast<size_t>(length));
-    }
-    const size_t slash = path.rfind('/');
-    return slash == std::string::npos ? std::string(".") : path.substr(0, slash);
-}
-
 bool validModuleName(std::string_view name) {
     return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
     });
 }
 
-// Loads the module at `path`; on success `module` holds the dlopen handle.
+// Loads the module at `path`; on success `module` holds the loaded module.
 const RynUserDriver *loadModule(const std::string &path, void *&module) {
     module = nullptr;
-    void *handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (handle == nullptr) return nullptr;
-    auto entry = reinterpret_cast<const RynUserDriver *(*)()>(dlsym(handle, "RynUserDriverEntry"));
+    void *loaded = sys::loadModule(path);
+    if (loaded == nullptr) return nullptr;
+    auto entry = reinterpret_cast<const RynUserDriver *(*)()>(sys::moduleSymbol(loaded, "RynUserDriverEntry"));
     const RynUserDriver *driver = entry != nullptr ? entry() : nullptr;
     if (!usable(driver)) {
-        dlclose(handle);
+        sys::unloadModule(loaded);
         return nullptr;
     }
-    module = handle;
+    module = loaded;
     return driver;
 }
 
@@ -152,11 +142,14 @@ void release(Registry &reg, const std::string &key) {
     if (at != reg.open.end()) reg.open.erase(at);
 }
 
-// Opens a device connection. Everything that allocates happens first, and
-// no lock of this layer is held while module code runs (dlopen, the
-// module's open and close), so that a module may call back into the
-// library, open another device underneath or close an event of its own.
-OsaHandle openDevice(std::string_view name) {
+// Opens a device connection to `path`, the four characters \\.\ and `name`:
+// a driver registered inside the process, else the system's own device of
+// that path (Windows), else the driver module of that name. Everything that
+// allocates happens first, and no lock of this layer is held while module
+// code runs (loading it, the module's open and close), so that a module may
+// call back into the library, open another device underneath or close an
+// event of its own.
+OsaHandle openDevice(const char *path, std::string_view name) {
     std::unique_ptr<Device> device;
     std::string key;
     std::string modulePath;
@@ -165,7 +158,7 @@ OsaHandle openDevice(std::string_view name) {
     try {
         key = upperCase(name);
         device = std::make_unique<Device>(key, nullptr);
-        if (validModuleName(name)) modulePath = libraryFolder() + "/ryn-drivers/" + lowerCase(name) + ".so";
+        if (validModuleName(name)) modulePath = sys::driverModulePath(lowerCase(name));
         openName = std::string(name);
         const RynUserDriver *inProcess = nullptr;
         if (!reserve(reg, key, inProcess)) return INVALID_HANDLE_VALUE;
@@ -175,20 +168,26 @@ OsaHandle openDevice(std::string_view name) {
     }
 
     // The name is reserved from here on; nothing below allocates with new.
-    if (device->driver() == nullptr && !modulePath.empty()) {
-        void *module = nullptr;
-        const RynUserDriver *driver = loadModule(modulePath, module);
-        device->useDriver(module, driver);
-    }
     OsaHandle handle = INVALID_HANDLE_VALUE;
-    if (device->driver() != nullptr && device->openInstance(openName.c_str())) {
-        handle = publishHandle(eventfd(0, EFD_CLOEXEC), device.get());
+    sys::NativeHandle systemDevice = sys::kNoNativeHandle;
+    if (device->driver() == nullptr && sys::openSystemDevice(path, systemDevice)) {
+        device->useSystemDevice(systemDevice);
+        handle = publishHandle(systemDevice, device.get());
+    } else {
+        if (device->driver() == nullptr && !modulePath.empty()) {
+            void *module = nullptr;
+            const RynUserDriver *driver = loadModule(modulePath, module);
+            device->useDriver(module, driver);
+        }
+        if (device->driver() != nullptr && device->openInstance(openName.c_str())) {
+            handle = publishHandle(sys::newConnectionHandle(), device.get());
+        }
     }
     if (handle != INVALID_HANDLE_VALUE) {
         device.release();  // owned by the handle table now
         return handle;
     }
-    device.reset();  // the driver's close and dlclose, without the lock
+    device.reset();  // the driver's close and the module's unloading, without the lock
     release(reg, key);
     return INVALID_HANDLE_VALUE;
 }
@@ -240,7 +239,7 @@ OsaHandle RYN_DECORATED(OsaDeviceOpen, 4)(const char *name) {
     char path[kPathBufferSize];
     std::memcpy(path, kPathPrefix, 4);
     std::memcpy(path + 4, name, length + 1);
-    return openDevice(std::string_view(path + 4, length));
+    return openDevice(path, std::string_view(path + 4, length));
 }
 
 int32_t RYN_DECORATED(OsaDeviceClose, 4)(OsaHandle handle) {

@@ -1,8 +1,5 @@
 #include "osa/Handles.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <mutex>
 #include <new>
@@ -17,14 +14,18 @@ namespace {
 
 using namespace detail;
 
-constexpr int kLowestHandle = 3;
-
-// Serialises publishing and retracting.
-constinit std::mutex writer;
+// Serialises publishing and retracting. Made on first use: handles are
+// published while the library loads, before or after this file's static
+// objects are made (a std::mutex is not made at compile time everywhere).
+std::mutex &writer() {
+    static std::mutex instance;
+    return instance;
+}
 
 Slot *slotOf(uint32_t handle, bool create) {
-    if (handle >= kChunkSize * kChunkCount) return nullptr;
-    std::atomic<Slot *> &chunk = handleChunks[handle / kChunkSize];
+    if (handle >= kHandleLimit) return nullptr;
+    const uint32_t index = handle >> kHandleShift;
+    std::atomic<Slot *> &chunk = handleChunks[index / kChunkSize];
     Slot *slots = chunk.load(std::memory_order_acquire);
     if (slots == nullptr && create) {
         // Chunks live as long as the process; they are reached from the table.
@@ -32,33 +33,30 @@ Slot *slotOf(uint32_t handle, bool create) {
         if (slots == nullptr) return nullptr;
         chunk.store(slots, std::memory_order_release);
     }
-    return slots == nullptr ? nullptr : &slots[handle % kChunkSize];
+    return slots == nullptr ? nullptr : &slots[index % kChunkSize];
 }
 
 }  // namespace
 
-OsaHandle publishHandle(int fd, HandleObject *object) {
-    if (fd >= 0 && fd < kLowestHandle) {
-        const int moved = fcntl(fd, F_DUPFD_CLOEXEC, kLowestHandle);
-        close(fd);
-        fd = moved;
-    }
-    if (fd < 0) return INVALID_HANDLE_VALUE;
-    std::lock_guard lock(writer);
-    Slot *slot = slotOf(static_cast<uint32_t>(fd), true);
+OsaHandle publishHandle(sys::NativeHandle native, HandleObject *object) {
+    if (native == sys::kNoNativeHandle) return INVALID_HANDLE_VALUE;
+    const OsaHandle handle = sys::adoptHandle(native);
+    if (handle == INVALID_HANDLE_VALUE) return INVALID_HANDLE_VALUE;
+    std::lock_guard lock(writer());
+    Slot *slot = slotOf(handle, true);
     if (slot == nullptr) {
-        close(fd);
+        sys::closeHandle(handle);
         return INVALID_HANDLE_VALUE;
     }
     slot->store(object, std::memory_order_release);
-    return static_cast<OsaHandle>(fd);
+    return handle;
 }
 
 HandleObject *retractHandle(OsaHandle handle) {
-    std::lock_guard lock(writer);
+    std::lock_guard lock(writer());
     Slot *slot = slotOf(handle, false);
     HandleObject *object = slot == nullptr ? nullptr : slot->exchange(nullptr, std::memory_order_acq_rel);
-    if (object != nullptr) close(static_cast<int>(handle));
+    if (object != nullptr) sys::closeHandle(handle);
     return object;
 }
 

@@ -1,12 +1,10 @@
 // Files and the console of the Osa layer, with the console's script mode.
-#include <termios.h>
-#include <unistd.h>
-
-#include <cerrno>
+// Reading one key and beeping are the system's (osa/System.h).
 #include <cstdio>
 #include <cstring>
 
 #include "Osa.h"
+#include "osa/System.h"
 
 namespace {
 
@@ -15,29 +13,6 @@ namespace {
 const char *scriptCursor = "";
 
 bool scriptOn() { return *scriptCursor != '\0'; }
-
-// One key from a terminal without echo and without waiting for a newline;
-// one character from anything else. -1 at the end of the input.
-int32_t readKey() {
-    std::fflush(stdout);
-    termios saved{};
-    if (isatty(STDIN_FILENO) == 0 || tcgetattr(STDIN_FILENO, &saved) != 0) {
-        const int c = std::getchar();
-        return c == EOF ? -1 : static_cast<int32_t>(static_cast<signed char>(c));
-    }
-    termios raw = saved;
-    raw.c_lflag &= static_cast<tcflag_t>(~(ICANON | ECHO));
-    raw.c_cc[VMIN] = 1;
-    raw.c_cc[VTIME] = 0;
-    tcsetattr(STDIN_FILENO, TCSANOW, &raw);
-    unsigned char key = 0;
-    ssize_t got;
-    do {
-        got = read(STDIN_FILENO, &key, 1);
-    } while (got < 0 && errno == EINTR);
-    tcsetattr(STDIN_FILENO, TCSANOW, &saved);
-    return got == 1 ? static_cast<int32_t>(static_cast<signed char>(key)) : -1;
-}
 
 }  // namespace
 
@@ -88,7 +63,8 @@ char *RYN_DECORATED(OsaConsoleGetStr, 4)(char *buffer) {
 
 int32_t RYN_DECORATED(OsaConsoleGetCh, 0)(void) {
     if (scriptOn()) return static_cast<int32_t>(static_cast<signed char>(*scriptCursor++));
-    return readKey();
+    std::fflush(stdout);
+    return ryn::osa::sys::readKey();
 }
 
 int32_t RYN_DECORATED(OsaConsolePutStr, 4)(const char *s) {
@@ -102,12 +78,7 @@ int32_t RYN_DECORATED(OsaConsolePrintF, 8)(const char *format, va_list arguments
 }
 
 int32_t RYN_DECORATED(OsaBeep, 8)(uint32_t frequency, uint32_t milliseconds) {
-    (void)frequency;  // a terminal bell has no pitch
-    if (isatty(STDOUT_FILENO) != 0) {
-        std::fputc('\a', stdout);
-        std::fflush(stdout);
-    }
-    RYN_DECORATED(OsaThreadSleep, 4)(milliseconds);
+    ryn::osa::sys::beep(frequency, milliseconds);
     return 1;
 }
 

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <algorithm>
 
 #include "support/ConnectedTest.h"
+#include "support/Platform.h"
 
 namespace {
 
@@ -96,21 +96,30 @@ TEST_F(Burst, NullPointersAndLongestLengths) {
         (std::vector<uint32_t>{10, 10, 10, 10, 9, 9}));
     EXPECT_EQ(std::tuple(n, send, read, driver.requestCount()), std::tuple(4u, 0xFFFFFFE4u, 0xFFFFFFE0u, 0u));
 #if !defined(__SANITIZE_ADDRESS__)
+    constexpr int kNoLimit = 2;
     const auto child = [&] {
         // Opaque to the optimiser, which would otherwise see a copy of the
         // whole length from the 4-byte buffer on the path never taken.
         const volatile uint32_t longestSend = 0xFFFFFFE3, longestRead = 0xFFFFFFDF;
         send = longestSend, read = longestRead;
         if constexpr (sizeof(void *) > 4) {
-            const auto fourGiB = static_cast<rlim_t>(uint64_t{1} << 32);
-            const rlimit space{fourGiB, fourGiB};
-            setrlimit(RLIMIT_AS, &space);
+            if (!limitProcessMemory(uint64_t{1} << 32)) return kNoLimit;
         }
         const ResultCode codes[] = {RynBurstSendData_16(h, 0, buffer, &send), RynBurstReadData_16(h, 0, buffer, &read)};
         return std::tuple(codes[0] & kNoLine, codes[1] & kNoLine, driver.requestCount()) ==
-               std::tuple(kBurst | 7, kBurst | 7, size_t{0});
+                       std::tuple(kBurst | 7, kBurst | 7, size_t{0})
+                   ? 0
+                   : 1;
     };
-    EXPECT_EXIT(std::_Exit(child() ? 0 : 1), ::testing::ExitedWithCode(0), "");
+    // A system that cannot hold the child to 4 GiB (wine does not enforce
+    // the limit) leaves nothing to check.
+    bool limited = true;
+    const auto exited = [&limited](int status) {
+        limited = !::testing::ExitedWithCode(kNoLimit)(status);
+        return !limited || ::testing::ExitedWithCode(0)(status);
+    };
+    EXPECT_EXIT(std::_Exit(child()), exited, "");
+    if (!limited) GTEST_SKIP() << "this system does not limit a process's memory";
 #endif
 }
 

@@ -230,7 +230,9 @@ TEST_F(Loader, MalformedFilesAreRefused) {
         driver.clear();
         EXPECT_EQ(run(std::vector<uint8_t>(whole.begin(), whole.begin() + cut), "_start"), 5u) << cut;
         const Functions sent = functions(driver);
-        EXPECT_EQ(std::pair(std::count(sent.begin(), sent.end(), kStart), sent.back()), std::pair(0L, kCancel)) << cut;
+        EXPECT_EQ(std::pair(std::count(sent.begin(), sent.end(), kStart), sent.back()),
+                  std::pair(std::ptrdiff_t{0}, kCancel))
+            << cut;
     }
     // Version, target, optional header size; the error.
     const std::tuple<uint16_t, uint16_t, uint16_t, uint32_t> headers[] = {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <string>
 
 #include "RynHwDll.h"
@@ -85,7 +86,9 @@ TEST_F(Spm, ChecksInOrder) {
 // given.
 TEST_F(Spm, OlderDriversRunRenumberedModules) {
     ryn::setDriverVersionLevel(10138);
-    for (const auto &[run, entry] : {std::pair{&RynDspRunSpm, 0x7C51u}, {&RynDspRunSpm_8, 0x7C8Du}}) {
+    // The two entry points differ in calling convention on 32-bit Windows.
+    using Run = std::function<ResultCode(DeviceHandle, uint32_t)>;
+    for (const auto &[run, entry] : {std::pair{Run(RynDspRunSpm), 0x7C51u}, {Run(RynDspRunSpm_8), 0x7C8Du}}) {
         driver.script(dspType(1));
         EXPECT_EQ(run(kDsp, 2), 0u);
         EXPECT_EQ(driver.lastRequest().word(20), entry);

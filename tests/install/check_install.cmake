@@ -3,8 +3,16 @@
 # find_package, and runs each: they find the library and its driver module
 # with no configuration.
 #   -DBUILD=<build dir> -DWORK=<scratch dir> -DEXAMPLE=<C source> -DCC=<C compiler>
+#   [-DCFLAGS=<the build's C flags>] [-DTOOLCHAIN=<the build's toolchain file>]
+# The example is built for the build's target: with its flags (-m32 in a
+# 32-bit build) and its toolchain file.
 file(REMOVE_RECURSE ${WORK})
 set(prefix ${WORK}/prefix)
+separate_arguments(cflags UNIX_COMMAND "${CFLAGS}")
+set(toolchain)
+if(TOOLCHAIN)
+  set(toolchain -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN})
+endif()
 
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
@@ -35,17 +43,17 @@ set(ENV{PKG_CONFIG_PATH} ${libdir}/pkgconfig)
 run(pkg-config --cflags --libs ryn-hw)
 separate_arguments(flags UNIX_COMMAND "${output}")
 # The run path comes from the .pc file: nothing else tells the program where the library is.
-run(${CC} -std=c99 -Wall -Wextra -Werror -o ${WORK}/with-pkg-config ${EXAMPLE} ${flags})
+run(${CC} ${cflags} -std=c99 -Wall -Wextra -Werror -o ${WORK}/with-pkg-config ${EXAMPLE} ${flags})
 run(${WORK}/with-pkg-config)
 # A program with the library linked in finds driver modules beside itself.
 run(pkg-config --cflags --libs ryn-hw-static)
 separate_arguments(flags UNIX_COMMAND "${output}")
-run(${CC} -std=c99 -Wall -Wextra -Werror -o ${libdir}/with-static-library ${EXAMPLE} ${flags})
+run(${CC} ${cflags} -std=c99 -Wall -Wextra -Werror -o ${libdir}/with-static-library ${EXAMPLE} ${flags})
 run(${libdir}/with-static-library)
 
 # find_package
 run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/consumer -B ${WORK}/consumer -DCMAKE_PREFIX_PATH=${prefix}
-    -DEXAMPLE=${EXAMPLE} -DCMAKE_C_COMPILER=${CC})
+    -DEXAMPLE=${EXAMPLE} -DCMAKE_C_COMPILER=${CC} ${toolchain})
 run(${CMAKE_COMMAND} --build ${WORK}/consumer)
 run(${WORK}/consumer/consumer)
 

@@ -55,9 +55,23 @@ TEST_F(LineControls, RequestLayoutsAndRefusals) {
     EXPECT_EQ(driver.lastRequest().word(26), 0xD50000u);  // the byte at 28, 29 left 0
     sent(RynBrdCodecSetLaw_8(kLine, 1), 0x99C, 24, 12, {kLine, 1});
     sent(RynJtagControl_8(kLine, 4), 0x99A, 24, 12, {kLine, 4});
-    char output[8] = "";  // the scans' blocks go by address: references 1 and 2 on 64-bit
-    sent(RynJtagScanIr_16(kLine, 3, "", output), 0x99B, 40, 12, {kLine, 3, 1, 1, 2, 1});
-    sent(RynJtagScanDr_16(kLine, 3, "0110", output), 0x99C, 40, 12, {kLine, 3, 1, 5, 2, 5});
+    // The scans' blocks (the library's own, staging the strings) go by
+    // address: references 1 and 2 on 64-bit, in a 32-bit process the
+    // addresses of the two blocks listed.
+    char output[8] = "";
+    const auto scanFields = [&](uint32_t length) {
+        const std::vector<RynDriverBuffer> listed = driver.lastRequest().buffers;
+        const auto field = [&](uint32_t reference) {
+            return sizeof(void *) == 4
+                       ? static_cast<uint32_t>(reinterpret_cast<uintptr_t>(listed.at(reference - 1).address))
+                       : reference;
+        };
+        return std::vector<uint32_t>{kLine, 3, field(1), length, field(2), length};
+    };
+    const ResultCode ir = RynJtagScanIr_16(kLine, 3, "", output);
+    sent(ir, 0x99B, 40, 12, scanFields(1));
+    const ResultCode dr = RynJtagScanDr_16(kLine, 3, "0110", output);
+    sent(dr, 0x99C, 40, 12, scanFields(5));
 
     // The value whatever the result.
     for (auto call : {RynPotsGetLiMode_8, RynSlicGetHookState_8}) {

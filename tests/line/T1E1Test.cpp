@@ -28,12 +28,12 @@ TEST_F(T1E1, RequestLayoutsAndCopyOuts) {
         std::ranges::copy(ramp(r.outputLength - 12), static_cast<uint8_t *>(r.output) + 8);
     });
     SentRequests sent(driver);
-    const std::pair<ResultCode (*)(DeviceHandle, uint32_t), uint32_t> values[] = {
+    const std::pair<ResultCode(RYN_CALL *)(DeviceHandle, uint32_t), uint32_t> values[] = {
         {RynT1E1SetLiMode_8, 0x99A},      {RynT1E1AlarmOn_8, 0x99F},        {RynT1E1AlarmOff_8, 0x9A0},
         {RynT1E1SetLineLoop_8, 0x9A1},    {RynT1E1XmitPinControl_8, 0x9A4}, {RynT1E1SetLineTermination_8, 0x9A5},
         {RynT1E1SetMonitorMode_8, 0x9A6}, {RynT1SetDlBitData_8, 0x9C3},     {RynT1E1InsertSingleBitDefect_8, 0x9C4}};
     for (auto [call, function] : values) sent(call(kSpan, kValue), function, 24, 12, {kSpan, kValue});
-    const std::pair<ResultCode (*)(DeviceHandle, uint32_t, uint8_t), uint32_t> bytesIn[] = {
+    const std::pair<ResultCode(RYN_CALL *)(DeviceHandle, uint32_t, uint8_t), uint32_t> bytesIn[] = {
         {RynE1SetSaBit_12, 0x9AD}, {RynT1SetChannelizedRobBitData_12, 0x9BF}, {RynE1SetChannelizedABCDBit_12, 0x9C1}};
     for (auto [call, function] : bytesIn) {
         sent(call(kSpan, kValue, 0xEE), function, 26, 12, {kSpan, kValue});

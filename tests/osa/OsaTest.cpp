@@ -96,7 +96,8 @@ TEST(OsaConsole, ScriptThenStandardInput) {
 
 // Both forms of PrintF take a prepared argument list.
 TEST(OsaConsole, PrintFTakesAPreparedList) {
-    const auto print = [](int32_t (*form)(const char *, va_list), const char *format, ...) {
+    // `form` is either entry point, whatever its calling convention.
+    const auto print = [](auto form, const char *format, ...) {
         va_list arguments;
         va_start(arguments, format);
         const int32_t written = form(format, arguments);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#if RYN_AUDIO_LIBRARIES
 #include <sndfile.h>
+#endif
 
 #include <cmath>
 #include <fstream>
@@ -52,6 +54,7 @@ std::pair<double, double> measure(const std::vector<int16_t> &samples) {
     return {std::hypot(a, b), std::sqrt(rest / static_cast<double>(count))};
 }
 
+#if RYN_AUDIO_LIBRARIES
 bool writeWithLibsndfile(const std::string &path, int format, int rate, int channels, const std::vector<double> &data) {
     SF_INFO info{};
     info.format = format;
@@ -63,6 +66,7 @@ bool writeWithLibsndfile(const std::string &path, int format, int rate, int chan
     const bool written = sf_writef_double(file, data.data(), frames) == frames;
     return sf_close(file) == 0 && written;
 }
+#endif
 
 std::vector<uint8_t> bytesOf(const std::string &path) {
     std::ifstream in(path, std::ios::binary);
@@ -84,6 +88,7 @@ TEST(AudioFile, ReadsEachFormatAsAn8kHzMonoSine) {
         {"alaw.WAV", 0, {Container::Wav, Encoding::Alaw}, 8000, 1, "8000 Hz mono WAV A-law"},
         {"tone.ul", 0, {Container::Raw, Encoding::Ulaw}, 8000, 1, "8000 Hz mono raw mu-law"},
         {"tone.al", 0, {Container::Raw, Encoding::Alaw}, 8000, 1, "8000 Hz mono raw A-law"},
+#if RYN_AUDIO_LIBRARIES
         {"u8.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_U8, {}, 8000, 1, "8000 Hz mono WAV 8-bit"},
         {"stereo.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, {}, 8000, 2, "8000 Hz stereo WAV 16-bit"},
         {"three.au", SF_FORMAT_AU | SF_FORMAT_ULAW, {}, 8000, 3, "8000 Hz 3-channel AU mu-law"},
@@ -91,6 +96,7 @@ TEST(AudioFile, ReadsEachFormatAsAn8kHzMonoSine) {
         {"cd.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_24, {}, 44100, 2, "44100 Hz stereo FLAC 24-bit"},
         {"studio.aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_16, {}, 48000, 1, "48000 Hz mono AIFF 16-bit"},
         {"low.aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_S8, {}, 6000, 1, "6000 Hz mono AIFF 8-bit"},
+#endif
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
@@ -98,26 +104,23 @@ TEST(AudioFile, ReadsEachFormatAsAn8kHzMonoSine) {
         std::vector<int16_t> board;  // what write() was given
         std::string error, conversion;
         if (c.sfFormat != 0) {
+#if RYN_AUDIO_LIBRARIES
             ASSERT_TRUE(writeWithLibsndfile(file.path(), c.sfFormat, c.rate, c.channels, sine(c.rate, c.channels)));
+#endif
         } else {
             for (double x : sine(8000, 1)) board.push_back(static_cast<int16_t>(std::lrint(x * 32767)));
             ASSERT_TRUE(write(file.path(), board, c.written, error)) << error;
-            const int sub = c.written.encoding == Encoding::Ulaw   ? SF_FORMAT_ULAW
-                            : c.written.encoding == Encoding::Alaw ? SF_FORMAT_ALAW
-                                                                   : SF_FORMAT_PCM_16;
+            const std::vector<uint8_t> bytes = bytesOf(file.path());
+            const bool ulaw = c.written.encoding == Encoding::Ulaw, alaw = c.written.encoding == Encoding::Alaw;
             if (c.written.container == Container::Wav) {
-                SF_INFO info{};
-                SNDFILE *check = sf_open(file.path(), SFM_READ, &info);
-                ASSERT_NE(check, nullptr);
-                EXPECT_EQ(info.format, SF_FORMAT_WAV | sub);  // format tag 1, 7 or 6
-                EXPECT_EQ(info.samplerate, 8000);
-                EXPECT_EQ(info.channels, 1);
-                sf_close(check);
+                // Format tag 1, 7 or 6, one channel, 8000 Hz.
+                ASSERT_GE(bytes.size(), 44u);
+                EXPECT_EQ(std::vector<uint8_t>(bytes.begin() + 20, bytes.begin() + 26),
+                          (std::vector<uint8_t>{uint8_t(ulaw ? 7 : alaw ? 6 : 1), 0, 1, 0, 0x40, 0x1F}));
             } else {
                 // One byte a sample, the first (silence) 0xFF in mu-law, 0xD5 in A-law.
-                const std::vector<uint8_t> bytes = bytesOf(file.path());
                 ASSERT_EQ(bytes.size(), board.size());
-                EXPECT_EQ(bytes[0], sub == SF_FORMAT_ULAW ? 0xFF : 0xD5);
+                EXPECT_EQ(bytes[0], ulaw ? 0xFF : 0xD5);
             }
         }
         std::vector<int16_t> samples;
@@ -134,6 +137,9 @@ TEST(AudioFile, ReadsEachFormatAsAn8kHzMonoSine) {
 }
 
 TEST(AudioFile, ClipsFloatSamplesTo16Bits) {
+#if !RYN_AUDIO_LIBRARIES
+    GTEST_SKIP() << "rynctl built without libsndfile reads only 8 kHz mono 16-bit and G.711 files";
+#else
     TempFile file({}, "loud.wav");
     ASSERT_TRUE(writeWithLibsndfile(file.path(), SF_FORMAT_WAV | SF_FORMAT_FLOAT, 8000, 1, {0.5, 1.5, -1.5, -1.0}));
     std::vector<int16_t> samples;
@@ -141,6 +147,7 @@ TEST(AudioFile, ClipsFloatSamplesTo16Bits) {
     ASSERT_TRUE(read(file.path(), samples, error, conversion)) << error;
     EXPECT_EQ(samples, (std::vector<int16_t>{16384, 32767, -32768, -32768}));
     EXPECT_EQ(conversion, "converted 8000 Hz mono WAV float to 8000 Hz mono 16-bit (2 samples clipped)");
+#endif
 }
 
 TEST(AudioFile, OutputFormatFollowsTheEncodingAndTheExtension) {
@@ -178,9 +185,9 @@ TEST(AudioFile, OutputFormatFollowsTheEncodingAndTheExtension) {
 TEST(AudioFile, SaysWhyAFileCannotBeRead) {
     TempFile text(std::vector<uint8_t>(200, 'x'), "notes.wav");
     const std::string missing = std::string(text.path()) + ".gone.ul";
-    // Path, part of libsndfile's message.
+    // Path, part of libsndfile's message (or of the message of a build without it).
     const std::pair<std::string, std::string> cases[] = {
-        {text.path(), "Format not recognised"},
+        {text.path(), RYN_AUDIO_LIBRARIES ? "Format not recognised" : "not a WAV file; this rynctl was built without"},
         {missing, "No such file"},
     };
     for (const auto &[path, message] : cases) {

@@ -2,10 +2,23 @@
 // Reading goes through 32-bit float: libsndfile scales 8- and 16-bit PCM and
 // G.711 by a power of two, so those samples come back to 16 bits unchanged,
 // and wider or float samples are rounded and clipped to 16 bits at the end.
+//
+// A build without the two libraries (RYN_AUDIO_LIBRARIES 0: where they have
+// no build of the target's kind, as for 32-bit Linux or Windows) reads and
+// writes here, with no conversion, the files of the board's own format: 8 kHz
+// mono WAV files of 16-bit PCM, mu-law or A-law, and raw .ul / .al files;
+// anything else is refused with a message saying why.
 #include "AudioFile.h"
 
+#if RYN_AUDIO_LIBRARIES
 #include <samplerate.h>
 #include <sndfile.h>
+#else
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#endif
 
 #include <algorithm>
 #include <cctype>
@@ -14,17 +27,6 @@
 
 namespace rynctl::audio {
 namespace {
-
-constexpr sf_count_t kChunkFrames = 4096;
-
-struct CloseSndFile {
-    void operator()(SNDFILE *file) const { sf_close(file); }
-};
-using SndFile = std::unique_ptr<SNDFILE, CloseSndFile>;
-
-struct DeleteSrcState {
-    void operator()(SRC_STATE *state) const { src_delete(state); }
-};
 
 // The file name's extension after its last dot, in lower case; empty when the
 // name (not the folder) has none.
@@ -38,6 +40,19 @@ std::string extension(const std::string &path) {
 }
 
 std::string quoted(const std::string &path) { return "\"" + path + "\""; }
+
+#if RYN_AUDIO_LIBRARIES
+
+constexpr sf_count_t kChunkFrames = 4096;
+
+struct CloseSndFile {
+    void operator()(SNDFILE *file) const { sf_close(file); }
+};
+using SndFile = std::unique_ptr<SNDFILE, CloseSndFile>;
+
+struct DeleteSrcState {
+    void operator()(SRC_STATE *state) const { src_delete(state); }
+};
 
 // libsndfile's name of a container or an encoding (an SF_FORMAT_... value),
 // for those with no shorter name here.
@@ -152,6 +167,59 @@ private:
     std::string error_;
 };
 
+#else  // no libsndfile: the board's own formats, read and written here
+
+constexpr const char *kWithoutLibraries =
+    "this rynctl was built without libsndfile: only 8 kHz mono 16-bit WAV, G.711 WAV and raw .ul/.al files";
+
+// WAV format tags.
+constexpr uint16_t kTagPcm = 1, kTagAlaw = 6, kTagUlaw = 7;
+
+// G.711 (ITU-T G.711, segment by segment as in the recommendation's tables).
+uint8_t ulawFromLinear(int16_t sample) {
+    constexpr int kBias = 0x84, kClip = 32635;
+    const int sign = sample < 0 ? 0x80 : 0;
+    int x = std::min(sample < 0 ? -static_cast<int>(sample) : static_cast<int>(sample), kClip) + kBias;
+    int exponent = 7;
+    for (int mask = 0x4000; (x & mask) == 0 && exponent > 0; mask >>= 1) --exponent;
+    const int mantissa = (x >> (exponent + 3)) & 0x0F;
+    return static_cast<uint8_t>(~(sign | (exponent << 4) | mantissa));
+}
+
+int16_t linearFromUlaw(uint8_t code) {
+    const int u = ~code & 0xFF;
+    const int magnitude = ((((u & 0x0F) << 3) + 0x84) << ((u & 0x70) >> 4)) - 0x84;
+    return static_cast<int16_t>((u & 0x80) != 0 ? -magnitude : magnitude);
+}
+
+uint8_t alawFromLinear(int16_t sample) {
+    const int mask = sample < 0 ? 0x55 : 0xD5;
+    const int x = std::abs(static_cast<int>(sample)) >> 3;  // 12 bits of magnitude
+    int segment = 0;
+    while (segment < 8 && x >= (0x20 << segment)) ++segment;
+    if (segment == 8) return static_cast<uint8_t>(0x7F ^ mask);
+    const int mantissa = segment < 2 ? (x >> 1) & 0x0F : (x >> segment) & 0x0F;
+    return static_cast<uint8_t>(((segment << 4) | mantissa) ^ mask);
+}
+
+int16_t linearFromAlaw(uint8_t code) {
+    const int a = code ^ 0x55;
+    const int segment = (a & 0x70) >> 4;
+    int magnitude = ((a & 0x0F) << 4) + (segment == 0 ? 8 : 0x108);
+    if (segment > 1) magnitude <<= segment - 1;
+    return static_cast<int16_t>((a & 0x80) != 0 ? magnitude : -magnitude);
+}
+
+void put16(std::string &to, uint32_t value) { to += {static_cast<char>(value), static_cast<char>(value >> 8)}; }
+void put32(std::string &to, uint32_t value) {
+    put16(to, value & 0xFFFF);
+    put16(to, value >> 16);
+}
+uint32_t get16(const std::vector<uint8_t> &from, size_t at) { return from[at] | (from[at + 1] << 8u); }
+uint32_t get32(const std::vector<uint8_t> &from, size_t at) { return get16(from, at) | (get16(from, at + 2) << 16); }
+
+#endif
+
 }  // namespace
 
 std::optional<OutputFormat> outputFormat(const std::string &path, const std::string &encoding, std::string &error) {
@@ -178,6 +246,8 @@ std::optional<OutputFormat> outputFormat(const std::string &path, const std::str
     }
     return OutputFormat{Container::Wav, given.value_or(Encoding::Pcm16)};
 }
+
+#if RYN_AUDIO_LIBRARIES
 
 bool write(const std::string &path, const std::vector<int16_t> &samples, OutputFormat format, std::string &error) {
     SF_INFO info{};
@@ -281,5 +351,108 @@ bool read(const std::string &path, std::vector<int16_t> &samples, std::string &e
     }
     return true;
 }
+
+#else  // no libsndfile
+
+bool write(const std::string &path, const std::vector<int16_t> &samples, OutputFormat format, std::string &error) {
+    std::string data;
+    for (const int16_t sample : samples) {
+        if (format.encoding == Encoding::Ulaw)
+            data += static_cast<char>(ulawFromLinear(sample));
+        else if (format.encoding == Encoding::Alaw)
+            data += static_cast<char>(alawFromLinear(sample));
+        else
+            put16(data, static_cast<uint16_t>(sample));
+    }
+    std::string header;
+    if (format.container == Container::Wav) {
+        // As libsndfile writes them: G.711 with an 18-byte format chunk and a
+        // fact chunk of the sample count.
+        const bool pcm = format.encoding == Encoding::Pcm16;
+        const uint32_t width = pcm ? 2 : 1, formatLength = pcm ? 16 : 18;
+        header = "RIFF";
+        put32(header, static_cast<uint32_t>(4 + 8 + formatLength + (pcm ? 0 : 12) + 8 + data.size()));
+        header += "WAVEfmt ";
+        put32(header, formatLength);
+        put16(header, pcm ? kTagPcm : format.encoding == Encoding::Ulaw ? kTagUlaw : kTagAlaw);
+        put16(header, 1);
+        put32(header, kSampleRate);
+        put32(header, kSampleRate * width);
+        put16(header, width);
+        put16(header, 8 * width);
+        if (!pcm) {
+            put16(header, 0);
+            header += "fact";
+            put32(header, 4);
+            put32(header, static_cast<uint32_t>(samples.size()));
+        }
+        header += "data";
+        put32(header, static_cast<uint32_t>(data.size()));
+    }
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (out) out << header << data << std::flush;
+    if (!out) {
+        error = "cannot write " + quoted(path) + ": " + std::strerror(errno);
+        return false;
+    }
+    return true;
+}
+
+bool read(const std::string &path, std::vector<int16_t> &samples, std::string &error, std::string &conversion) {
+    samples.clear();
+    conversion.clear();
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        error = "cannot read " + quoted(path) + ": " + std::strerror(errno);
+        return false;
+    }
+    const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const std::string ext = extension(path);
+    if (ext == "ul" || ext == "al") {
+        for (const uint8_t code : bytes) samples.push_back(ext == "ul" ? linearFromUlaw(code) : linearFromAlaw(code));
+        conversion =
+            std::string("converted 8000 Hz mono raw ") + (ext == "ul" ? "mu-law" : "A-law") + " to 8000 Hz mono 16-bit";
+        return true;
+    }
+    // RIFF WAVE: chunks of a 4-byte name and a 32-bit length, padded to even
+    // lengths; the format chunk before the data chunk.
+    const auto refuse = [&](const std::string &what) {
+        error = "cannot read " + quoted(path) + ": " + what + "; " + kWithoutLibraries;
+        return false;
+    };
+    if (bytes.size() < 12 || std::memcmp(bytes.data(), "RIFF", 4) != 0 || std::memcmp(bytes.data() + 8, "WAVE", 4) != 0)
+        return refuse("not a WAV file");
+    uint32_t tag = 0, channels = 0, rate = 0, bits = 0;
+    for (size_t at = 12; at + 8 <= bytes.size();) {
+        const uint32_t length = get32(bytes, at + 4);
+        const size_t start = at + 8, count = std::min<size_t>(length, bytes.size() - start);
+        if (std::memcmp(bytes.data() + at, "fmt ", 4) == 0 && count >= 16) {
+            tag = get16(bytes, start), channels = get16(bytes, start + 2), rate = get32(bytes, start + 4);
+            bits = get16(bytes, start + 14);
+        } else if (std::memcmp(bytes.data() + at, "data", 4) == 0) {
+            const bool pcm = tag == kTagPcm && bits == 16, g711 = (tag == kTagUlaw || tag == kTagAlaw) && bits == 8;
+            if (channels != 1 || rate != kSampleRate || !(pcm || g711)) {
+                const std::string kind = tag == kTagPcm    ? std::to_string(bits) + "-bit"
+                                         : tag == kTagUlaw ? "mu-law"
+                                         : tag == kTagAlaw ? "A-law"
+                                                           : "format tag " + std::to_string(tag);
+                return refuse(std::to_string(rate) + " Hz " + std::to_string(channels) + "-channel WAV " + kind);
+            }
+            for (size_t i = start; i + (pcm ? 1 : 0) < start + count; i += pcm ? 2 : 1)
+                samples.push_back(pcm               ? static_cast<int16_t>(get16(bytes, i))
+                                  : tag == kTagUlaw ? linearFromUlaw(bytes[i])
+                                                    : linearFromAlaw(bytes[i]));
+            if (!pcm)
+                conversion = std::string("converted 8000 Hz mono WAV ") + (tag == kTagUlaw ? "mu-law" : "A-law") +
+                             " to 8000 Hz mono 16-bit";
+            return true;
+        }
+        at = start + length + (length & 1);
+        if (at < start) break;  // a length that wraps
+    }
+    return refuse("a WAV file with no format or no data");
+}
+
+#endif
 
 }  // namespace rynctl::audio

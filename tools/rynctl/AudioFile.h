@@ -1,7 +1,10 @@
 // Audio files of the board's audio, through libsndfile: the board plays and
 // records 8 kHz mono 16-bit samples; files of other rates, channel counts and
 // encodings are converted on the way in, and recordings go out as 16-bit PCM
-// WAV or as G.711 (WAV or raw).
+// WAV or as G.711 (WAV or raw). A rynctl built without libsndfile
+// (RYN_AUDIO_FILES) reads and writes only files already in the board's
+// format, 8 kHz mono WAV of 16-bit PCM, mu-law or A-law and raw .ul / .al:
+// read() refuses others, saying so.
 #pragma once
 
 #include <cstdint>

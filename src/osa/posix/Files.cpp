@@ -1,6 +1,7 @@
-#include "osa/Files.h"
-
+// File facts on Linux, from fstat.
 #include <sys/stat.h>
+
+#include "osa/Files.h"
 
 namespace ryn::osa {
 
