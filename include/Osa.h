@@ -58,38 +58,33 @@ extern "C" {
 /*
  * The platform's part, in this one place: how a declaration is exported and
  * which calling convention the decorated entry points use.
- * - Windows: the library's own sources (RYN_BUILDING_LIBRARY) export with
- *   __declspec(dllexport); programs import from the DLL with
- *   __declspec(dllimport), or, linked against the static library, define
- *   RYN_STATIC_LIBRARY and import nothing. Decorated entry points are
- *   __stdcall, undecorated ones the C default (cdecl). A 32-bit compiler
- *   names a __stdcall function `_Name_N@N`, so the bare name of a
- *   decorated-only function is bound to that symbol there.
+ * - Windows: programs import from the DLL with __declspec(dllimport), or,
+ *   linked against the static library, define RYN_STATIC_LIBRARY and import
+ *   nothing. The 64-bit DLL exports with __declspec(dllexport); the 32-bit
+ *   one exports exactly the names of its module-definition file, made from
+ *   the export table. Decorated entry points are __stdcall, undecorated ones
+ *   the C default (cdecl). At 32 bits a decorated entry point is the symbol
+ *   of its export `_Name@N` (with the compiler's own leading underscore), in
+ *   the library and in the programs that import it, and the bare name of a
+ *   decorated-only function is bound to that symbol too.
  * - Elsewhere: default visibility marks an exported declaration; there is
  *   one calling convention.
  */
 #if defined(_WIN32)
 #define RYN_CALL __stdcall
-#if defined(RYN_BUILDING_LIBRARY) || defined(RYN_STATIC_LIBRARY)
-#if defined(RYN_BUILDING_LIBRARY)
+#if defined(RYN_STATIC_LIBRARY) || (defined(RYN_BUILDING_LIBRARY) && !defined(_WIN64))
+#define RYN_API
+#elif defined(RYN_BUILDING_LIBRARY)
 #define RYN_API __declspec(dllexport)
 #else
-#define RYN_API
-#endif
-#if defined(_WIN64)
-#define RYN_DECORATED_SYMBOL(name, n) #name "_" #n
-#else
-#define RYN_DECORATED_SYMBOL(name, n) "_" #name "_" #n "@" #n
-#endif
-#else
 #define RYN_API __declspec(dllimport)
-/* An imported symbol: the compiler puts the 32-bit leading underscore into
-   the import's own symbol (__imp__Name_N@N). */
+#endif
 #if defined(_WIN64)
 #define RYN_DECORATED_SYMBOL(name, n) #name "_" #n
+#define RYN_DECORATED_LABEL(name, n)
 #else
-#define RYN_DECORATED_SYMBOL(name, n) #name "_" #n "@" #n
-#endif
+#define RYN_DECORATED_SYMBOL(name, n) "__" #name "@" #n
+#define RYN_DECORATED_LABEL(name, n) __asm__(RYN_DECORATED_SYMBOL(name, n))
 #endif
 #else
 /** @brief Marks a declaration as exported from the shared library. */
@@ -102,6 +97,8 @@ extern "C" {
 #define RYN_CALL
 /** @brief The linker's symbol of a decorated entry point, as a string. */
 #define RYN_DECORATED_SYMBOL(name, n) #name "_" #n
+/** @brief The symbol given to a decorated entry point where it differs from its C name (32-bit Windows). */
+#define RYN_DECORATED_LABEL(name, n)
 #endif
 
 /** @brief Symbol of a decorated entry point: `_Name@N` on Windows, `Name_N` here (N: the bytes of the arguments). */
@@ -112,16 +109,16 @@ extern "C" {
  * `Name` forwards to it (and applies the driver-version translations of
  * RynHwDll.h).
  */
-#define RYN_ENTRY(ret, name, n, params)                 \
-    RYN_API ret RYN_CALL RYN_DECORATED(name, n) params; \
+#define RYN_ENTRY(ret, name, n, params)                                           \
+    RYN_API ret RYN_CALL RYN_DECORATED(name, n) params RYN_DECORATED_LABEL(name, n); \
     RYN_API ret name params;
 
 /**
  * @brief Declares a function exported only under its decorated name; the
  * bare name is bound to the same symbol.
  */
-#define RYN_ENTRY_DECORATED(ret, name, n, params)       \
-    RYN_API ret RYN_CALL RYN_DECORATED(name, n) params; \
+#define RYN_ENTRY_DECORATED(ret, name, n, params)                                 \
+    RYN_API ret RYN_CALL RYN_DECORATED(name, n) params RYN_DECORATED_LABEL(name, n); \
     RYN_API ret RYN_CALL name params __asm__(RYN_DECORATED_SYMBOL(name, n));
 
 /** @} */

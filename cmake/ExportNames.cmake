@@ -1,0 +1,20 @@
+# Reads the export table (src/exports/ExportTable.inc) into two lists: the
+# decorated names of the 32-bit Windows library (_Name@N, N the argument
+# bytes) and the undecorated names.
+function(ryn_export_names table decorated_var undecorated_var)
+  file(STRINGS ${table} rows REGEX "^RYN_EXPORT")
+  set(decorated "")
+  set(undecorated "")
+  foreach(row IN LISTS rows)
+    if(row MATCHES "^RYN_EXPORT\\(([A-Za-z0-9_]+), *([0-9]+), *([A-Za-z0-9_]+),")
+      list(APPEND decorated "_${CMAKE_MATCH_1}@${CMAKE_MATCH_2}")
+      list(APPEND undecorated "${CMAKE_MATCH_3}")
+    elseif(row MATCHES "^RYN_EXPORT_DECORATED\\(([A-Za-z0-9_]+), *([0-9]+)\\)")
+      list(APPEND decorated "_${CMAKE_MATCH_1}@${CMAKE_MATCH_2}")
+    else()
+      message(FATAL_ERROR "export table row not understood: ${row}")
+    endif()
+  endforeach()
+  set(${decorated_var} ${decorated} PARENT_SCOPE)
+  set(${undecorated_var} ${undecorated} PARENT_SCOPE)
+endfunction()
