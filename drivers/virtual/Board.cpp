@@ -1,6 +1,7 @@
 // The board's objects, event queues, clock and register memory.
 #include <algorithm>
 #include <chrono>
+#include <stdexcept>
 
 #include "Families.h"
 
@@ -36,7 +37,12 @@ Object *Board::findDevice(int32_t type, uint32_t id) {
 
 Object &Board::create(uint32_t kind, int32_t type, Family family, uint32_t parent, std::string name) {
     auto object = std::make_unique<Object>();
-    object->handle = kind | (nextSerial_++ & 0x0FFFFFFFu);
+    const uint32_t serial = allocateSerial(nextSerial_, serials_);
+    if (serial == 0) throw std::length_error("no free handle serial");  // the request fails
+    // Marked before the object is stored: should the store fail, the serial
+    // is only skipped, never given twice.
+    serials_.insert(serial);
+    object->handle = kind | serial;
     object->type = type;
     object->family = family;
     object->parent = parent;
@@ -59,7 +65,8 @@ void Board::destroy(uint32_t handle) {
     for (uint32_t child : children) destroy(child);
     std::erase_if(connections, [&](const Connection &c) { return c.handleA == handle || c.handleB == handle; });
     std::erase_if(registers_, [&](const auto &r) { return (r.first >> 32) == handle; });
-    std::erase_if(objects_, [&](const auto &o) { return o->handle == handle; });
+    if (std::erase_if(objects_, [&](const auto &o) { return o->handle == handle; }) != 0)
+        serials_.erase(handle & kSerialMask);
 }
 
 bool Board::queueRecord(uint32_t queueHandle, const EventData &record) {

@@ -20,11 +20,13 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "RynHwDll.h"
 #include "RynUserDriver.h"
 #include "RynVirtualBoard.h"
+#include "Serials.h"
 
 namespace vb {
 
@@ -345,6 +347,7 @@ public:
 private:
     std::vector<std::unique_ptr<Object>> objects_;
     std::vector<std::pair<uint64_t, uint32_t>> registers_;  // (handle << 32 | offset, value)
+    std::unordered_set<uint32_t> serials_;  // those of the objects alive (Serials.h)
     uint32_t nextSerial_ = 1;
     uint64_t start_;
     uint64_t offset_ = 0;

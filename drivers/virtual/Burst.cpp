@@ -93,7 +93,7 @@ uint32_t initSendBuffer(Call &call) {
 uint32_t readData(Call &call) {
     if (channel::disabled(*call.object)) return VB_FAILURE(kFailed);
     const uint32_t capacity = call.in.u32(24);
-    if (capacity > call.out.length() - kReadHead) return VB_FAILURE(kLengthMismatch);
+    if (uint64_t{capacity} + kReadHead > call.out.length()) return VB_FAILURE(kLengthMismatch);
     BurstChannel &channel = channelOf(*call.object);
     if (!channel.full) return VB_STATUS(kNothingToRead);
     const auto count = static_cast<uint32_t>(channel.block.size());

@@ -300,16 +300,23 @@ uint32_t getAttributeType(Call &call) {
 // Reply: code at 8, the value's size at 12, the value from 16 in a block of
 // the caller's buffer length + 17 bytes. A value larger than the buffer is
 // refused with error 9 and its size reported, and nothing of it is copied.
+// The reply's length is what was written: the header, and the value when it
+// was copied.
+constexpr uint32_t kValueOffset = 16;
+constexpr uint32_t kValueOverhead = 17;
+
 uint32_t getAttributeValue(Call &call) {
     const uint32_t capacity = call.in.u32(24);
-    if (capacity > call.out.length() - 17) return VB_FAILURE(kLengthMismatch);
-    call.replyLength = capacity + 17;
+    // Summed in 64 bits: the block may be shorter than the overhead (the row
+    // asks for 16 bytes), and a capacity near 2^32 must not wrap.
+    if (uint64_t{capacity} + kValueOverhead > call.out.length()) return VB_FAILURE(kLengthMismatch);
     const Value value = attribute(call, call.in.u32(16), call.in.i32(20), capacity);
     if (failed(value.result)) return value.result;
     const uint32_t size = static_cast<uint32_t>(value.bytes.size());
     call.out.u32(12, size);
     if (size > capacity) return VB_FAILURE(kOutOfRange);
-    call.out.write(16, value.bytes.data(), size);
+    call.out.write(kValueOffset, value.bytes.data(), size);
+    call.replyLength = kValueOffset + size;
     return 0;
 }
 
@@ -378,7 +385,8 @@ uint32_t getEventDataEx(Call &call) {
     if (array == nullptr || array->address == nullptr) return VB_FAILURE(kOutOfRange);
     const size_t room = std::min<size_t>(call.in.u32(24), array->length / sizeof(EventData));
     const size_t count = std::min(room, queue->records.size());
-    std::memcpy(array->address, queue->records.data(), count * sizeof(EventData));
+    // A queue that never held a record has no storage: data() is null then.
+    if (count != 0) std::memcpy(array->address, queue->records.data(), count * sizeof(EventData));
     queue->records.erase(queue->records.begin(), queue->records.begin() + static_cast<std::ptrdiff_t>(count));
     call.out.u32(8, static_cast<uint32_t>(count));
     return count != 0 ? 0 : VB_STATUS(kNothingToRead);

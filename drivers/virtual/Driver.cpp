@@ -127,11 +127,12 @@ int answer(Board &board, const RynDriverRequest &request, uint32_t *returned) {
     Output out(static_cast<uint8_t *>(request.output), request.outputLength);
     Call call{board, object, in, out};
     const uint32_t result = row->handler(call);
-    // A handler that sizes its reply itself (attribute values) reports the
-    // length through *returned's place in the call; the others use the row.
+    // A handler that sizes its reply itself (attribute values, burst reads)
+    // sets call.replyLength to the bytes it wrote; the others use the row.
+    // Neither is ever more than the block holds.
     const uint32_t resultOffset = row->resultOffset == kResultLast ? replyLength - 4 : row->resultOffset;
     out.u32(resultOffset, result);
-    *returned = call.replyLength != 0 ? call.replyLength : replyLength;
+    *returned = std::min(call.replyLength != 0 ? call.replyLength : replyLength, request.outputLength);
     return 1;
 }
 

@@ -57,6 +57,7 @@
 // Attributes (32-bit, read-only unless said): 100 frames queued, 101 frames
 // dropped, 102 frames sent, 103 frames received, 104 cross-connect (Boolean,
 // settable), 105 the queue's capacity (64), 106 signal units filtered.
+#include <algorithm>
 #include <array>
 #include <deque>
 #include <optional>
@@ -199,7 +200,8 @@ uint32_t ss7SendData(Call &call) {
     if (const uint32_t refused = senderRefusal(call)) return refused;
     Frame frame;
     if (const uint32_t refused = takeFrame(call, call.in.u32(20), kFrameLimit, 36, frame)) return refused;
-    std::memcpy(frame.ss7.data(), call.in.bytes(24, kSs7Bytes).data(), kSs7Bytes);
+    const auto ss7 = call.in.bytes(24, kSs7Bytes);  // inside the 40-byte request
+    std::copy(ss7.begin(), ss7.end(), frame.ss7.begin());
     frame.hasSs7 = true;
     loopBack(call.board, *call.object, std::move(frame));
     return 0;

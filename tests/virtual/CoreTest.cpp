@@ -76,6 +76,19 @@ TEST_F(VirtualBoardTest, EventQueuesDeliverAcrossThreads) {
     EXPECT_STREQ(text, RYN_VB_EVENT_DTMF_DIGIT_TEXT);
 }
 
+// Records in bulk: none from a queue that never held one, then what came.
+TEST_F(VirtualBoardTest, EventRecordsInBulk) {
+    const DeviceHandle span = device(RYN_VB_DEVICE_T1E1);
+    EventListener listener(span);
+    EventData records[4];
+    uint32_t count = 99;
+    EXPECT_TRUE(isEmpty(RynDrvGetEventDataEx(listener.queue(), records, 4, &count)));
+    EXPECT_EQ(count, 0u);
+    RynDrvSetEventData(span, 0, 77, 1, 2, 3, 4);
+    EXPECT_EQ(RynDrvGetEventDataEx(listener.queue(), records, 4, &count), 0u);
+    EXPECT_EQ(std::pair(count, records[0].word[3]), std::pair(1u, 77u));
+}
+
 TEST_F(VirtualBoardTest, ThreadsCallAtOnce) {
     const DeviceHandle dsp = device(RYN_VB_DEVICE_DSP);
     std::atomic<int> wrong{0};
