@@ -1,5 +1,6 @@
 // The one driver connection of the process: connect, release, get-handle.
 #include <atomic>
+#include <mutex>
 
 #include "core/ResultCode.h"
 #include "core/Transport.h"
@@ -16,12 +17,22 @@ constexpr uint32_t kFunctionConnectLib = 0x86E;
 // readers on the request path free of data races at no cost.
 constinit std::atomic<OsaHandle> connection{INVALID_HANDLE_VALUE};
 
+// Connect and release one at a time, even from two threads: each sees the
+// connection and the application queue table as the other left them.
+std::mutex &connecting() {
+    static std::mutex instance;
+    return instance;
+}
+
 ResultCode connect(const char *deviceName) {
-    if (connection.load(std::memory_order_relaxed) != INVALID_HANDLE_VALUE) return RYN_FAILURE(kErrFailed);
-    const OsaHandle handle = RYN_DECORATED(OsaDeviceOpen, 4)(deviceName);
-    if (handle == INVALID_HANDLE_VALUE) return RYN_FAILURE(kErrInvalidHandle);
-    connection.store(handle, std::memory_order_relaxed);
-    appqueue::initialiseTable();
+    {
+        std::lock_guard lock(connecting());
+        if (connection.load(std::memory_order_relaxed) != INVALID_HANDLE_VALUE) return RYN_FAILURE(kErrFailed);
+        const OsaHandle handle = RYN_DECORATED(OsaDeviceOpen, 4)(deviceName);
+        if (handle == INVALID_HANDLE_VALUE) return RYN_FAILURE(kErrInvalidHandle);
+        appqueue::initialiseTable();
+        connection.store(handle, std::memory_order_relaxed);
+    }
 
     Request<24, 12> request(kFunctionConnectLib);
     request.putBytes<16, 8>(kLibraryVersion, sizeof kLibraryVersion);
@@ -42,10 +53,12 @@ ResultCode RYN_DECORATED(RynNetConnectLib, 0)(void) { return ryn::connect("RYNNE
 
 ResultCode RYN_DECORATED(RynDrvReleaseLib, 0)(void) {
     using namespace ryn;
-    const OsaHandle handle = connection.load(std::memory_order_relaxed);
+    std::lock_guard lock(connecting());
+    // Calls that start from here on find no connection; the close waits for
+    // the requests already in flight before the driver is closed and unloaded.
+    const OsaHandle handle = connection.exchange(INVALID_HANDLE_VALUE, std::memory_order_relaxed);
     if (handle == INVALID_HANDLE_VALUE) return RYN_FAILURE(kErrInvalidHandle);
     RYN_DECORATED(OsaDeviceClose, 4)(handle);
-    connection.store(INVALID_HANDLE_VALUE, std::memory_order_relaxed);
     appqueue::releaseTable();
     return 0;
 }

@@ -2,6 +2,7 @@
 // and signalled through event objects, 128 queues under one lock.
 #include <atomic>
 #include <cstring>
+#include <mutex>
 #include <new>
 
 #include "core/ResultCode.h"
@@ -24,12 +25,13 @@ struct Queue {
 };
 
 struct Table {
-    OsaMutex lock;
+    std::mutex lock;
     Queue queues[kQueueCount];
 };
 
 constinit Table table{};
-// Whether the table's lock exists: from the first connect until release.
+// Whether the table is open: from connect until release (both under the
+// connection's own lock, never at the same time).
 constinit std::atomic<bool> tableReady{false};
 
 void releaseStorage(Queue &queue) {
@@ -59,10 +61,8 @@ template <class Body>
 ResultCode withQueue(int32_t id, Body body) {
     if (!inRange(id)) return RYN_FAILURE(kErrInvalidHandle);
     if (!tableReady.load(std::memory_order_acquire)) return RYN_FAILURE(kErrFailed);
-    RYN_DECORATED(OsaMutexLock, 4)(&table.lock);
-    const ResultCode result = body(table.queues[id]);
-    RYN_DECORATED(OsaMutexUnlock, 4)(&table.lock);
-    return result;
+    std::lock_guard lock(table.lock);
+    return body(table.queues[id]);
 }
 
 // Checks of the calls that read or fill entries.
@@ -75,25 +75,18 @@ ResultCode usableQueue(const Queue &queue) {
 }  // namespace
 
 void initialiseTable() {
-    if (!tableReady.load(std::memory_order_acquire)) RYN_DECORATED(OsaMutexInit, 4)(&table.lock);
-    RYN_DECORATED(OsaMutexLock, 4)(&table.lock);
-    for (Queue &queue : table.queues) releaseStorage(queue);
-    RYN_DECORATED(OsaMutexUnlock, 4)(&table.lock);
+    {
+        std::lock_guard lock(table.lock);
+        for (Queue &queue : table.queues) releaseStorage(queue);
+    }
     tableReady.store(true, std::memory_order_release);
 }
 
 void releaseTable() {
     if (!tableReady.load(std::memory_order_acquire)) return;
-    RYN_DECORATED(OsaMutexLock, 4)(&table.lock);
-    for (int32_t id = 0; id < kQueueCount; ++id) {
-        if (table.queues[id].event == 0) continue;
-        RYN_DECORATED(OsaMutexUnlock, 4)(&table.lock);
-        RYN_DECORATED(RynCloseAppEventQueue, 4)(id);
-        RYN_DECORATED(OsaMutexLock, 4)(&table.lock);
-    }
-    RYN_DECORATED(OsaMutexUnlock, 4)(&table.lock);
+    std::lock_guard lock(table.lock);
+    for (Queue &queue : table.queues) releaseStorage(queue);
     tableReady.store(false, std::memory_order_release);
-    RYN_DECORATED(OsaMutexDestroy, 4)(&table.lock);
 }
 
 }  // namespace ryn::appqueue
@@ -108,7 +101,7 @@ ResultCode RYN_DECORATED(RynCreateAppEventQueue, 12)(uint32_t capacity, OsaHandl
     *queue = -1;
     if (event == 0) return RYN_FAILURE(kErrInvalidHandle);
     if (!tableReady.load(std::memory_order_acquire)) return RYN_FAILURE(kErrFailed);
-    RYN_DECORATED(OsaMutexLock, 4)(&table.lock);
+    std::lock_guard lock(table.lock);
     int32_t id = 0;
     while (id < kQueueCount && table.queues[id].event != 0) ++id;
     ResultCode result = 0;
@@ -129,7 +122,6 @@ ResultCode RYN_DECORATED(RynCreateAppEventQueue, 12)(uint32_t capacity, OsaHandl
             *queue = id;
         }
     }
-    RYN_DECORATED(OsaMutexUnlock, 4)(&table.lock);
     return result;
 }
 
@@ -168,25 +160,31 @@ ResultCode RYN_DECORATED(RynGetAppEventDataEx, 16)(int32_t queue, EventData *rec
     });
 }
 
+namespace {
+
+// Puts a record at the end of the queue; a full queue loses its oldest.
+ResultCode append(Queue &slot, const EventData &record) {
+    if (const ResultCode refused = usableQueue(slot)) return refused;
+    EventData *entry = nullptr;
+    if (slot.count >= slot.capacity) {
+        entry = slot.entries[slot.readIndex] != nullptr ? slot.entries[slot.readIndex] : &slot.storage[slot.readIndex];
+        slot.readIndex = advance(slot, slot.readIndex);
+    } else {
+        ++slot.count;
+        entry = &slot.storage[slot.writeIndex];
+    }
+    *entry = record;
+    slot.entries[slot.writeIndex] = entry;
+    slot.writeIndex = advance(slot, slot.writeIndex);
+    return 0;
+}
+
+}  // namespace
+
 ResultCode RYN_DECORATED(RynQueueAppEventDataEx, 36)(int32_t queue, uint32_t w2, uint32_t w3, uint32_t w4, uint32_t w5,
                                                      uint32_t w6, uint32_t w7, uint32_t w0, uint32_t w1) {
-    return withQueue(queue, [=](Queue &slot) -> ResultCode {
-        if (const ResultCode refused = usableQueue(slot)) return refused;
-        EventData *entry = nullptr;
-        if (slot.count >= slot.capacity) {
-            // Full: the oldest record is overwritten and lost.
-            entry =
-                slot.entries[slot.readIndex] != nullptr ? slot.entries[slot.readIndex] : &slot.storage[slot.readIndex];
-            slot.readIndex = advance(slot, slot.readIndex);
-        } else {
-            ++slot.count;
-            entry = &slot.storage[slot.writeIndex];
-        }
-        *entry = EventData{{w0, w1, w2, w3, w4, w5, w6, w7}};
-        slot.entries[slot.writeIndex] = entry;
-        slot.writeIndex = advance(slot, slot.writeIndex);
-        return 0;
-    });
+    const EventData record{{w0, w1, w2, w3, w4, w5, w6, w7}};
+    return withQueue(queue, [&record](Queue &slot) { return append(slot, record); });
 }
 
 ResultCode RYN_DECORATED(RynSignalAppEvent, 4)(int32_t queue) {
@@ -196,14 +194,22 @@ ResultCode RYN_DECORATED(RynSignalAppEvent, 4)(int32_t queue) {
         return 0;
     });
     if (checked != 0) return checked;
-    return RYN_DECORATED(RynDrvSignalEvent, 4)(event);  // outside the lock
+    // Outside the lock: the event is looked up and held for the signal, so a
+    // close on another thread meanwhile makes the signal fail, never stray.
+    return RYN_DECORATED(RynDrvSignalEvent, 4)(event);
 }
 
 ResultCode RYN_DECORATED(RynSetAppEventDataEx, 36)(int32_t queue, uint32_t w2, uint32_t w3, uint32_t w4, uint32_t w5,
                                                    uint32_t w6, uint32_t w7, uint32_t w0, uint32_t w1) {
-    const ResultCode queued = RYN_DECORATED(RynQueueAppEventDataEx, 36)(queue, w2, w3, w4, w5, w6, w7, w0, w1);
+    // Queued and the event read in one turn of the lock.
+    const EventData record{{w0, w1, w2, w3, w4, w5, w6, w7}};
+    OsaHandle event = 0;
+    const ResultCode queued = withQueue(queue, [&](Queue &slot) {
+        event = slot.event;
+        return append(slot, record);
+    });
     if (isFailure(queued)) return queued;
-    return RYN_DECORATED(RynSignalAppEvent, 4)(queue);
+    return RYN_DECORATED(RynDrvSignalEvent, 4)(event);
 }
 
 }  // extern "C"

@@ -216,8 +216,9 @@ void unregisterDevice(std::string_view name) {
 int32_t deviceIoControl(OsaHandle handle, uint32_t code, const void *input, uint32_t inputLength, void *output,
                         uint32_t outputLength, uint32_t *returned, const RynDriverBuffer *buffers,
                         uint32_t bufferCount) {
-    const Device *device = lookupHandleOf<Device>(handle);
-    if (device == nullptr) return 0;
+    // Held for the call: closing the connection waits until it has returned.
+    const HandleRef<Device> device = acquireHandleOf<Device>(handle);
+    if (!device) return 0;
     const RynDriverRequest request{code, input, inputLength, output, outputLength, buffers, bufferCount};
     uint32_t count = 0;
     const int ok = device->control(request, &count);
@@ -250,9 +251,12 @@ int32_t RYN_DECORATED(OsaDeviceClose, 4)(OsaHandle handle) {
         delete object;
         return 1;
     }
-    // The name stays claimed until the driver's close has run, so that a
-    // concurrent open of the same name never meets the device half closed;
-    // the close itself runs without any lock of this layer.
+    // The calls in flight on the connection have returned (retractHandle
+    // waits for them), so the driver's close and the module's unloading
+    // never pull code from under a request. The name stays claimed until the
+    // driver's close has run, so that a concurrent open of the same name
+    // never meets the device half closed; the close itself runs without any
+    // lock of this layer.
     auto *device = static_cast<Device *>(object);
     std::string key = device->takeKey();
     delete device;

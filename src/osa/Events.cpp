@@ -1,35 +1,16 @@
 // Event objects: what every platform shares (the handle table's kind of
-// object, the checks of a wait list); creating, signalling and waiting are
-// the system's (osa/System.h).
+// object, the checks of a wait list, holding the events while a call uses
+// them); signalling and waiting are the system's (osa/System.h).
 #include "osa/Events.h"
 
 #include <chrono>
 #include <new>
 
-#include "osa/Handles.h"
 #include "osa/System.h"
 
 namespace ryn::osa {
-namespace {
 
-class Event final : public HandleObject {
-public:
-    static constexpr Kind kKind = Kind::Event;
-    Event() : HandleObject(kKind) {}
-};
-
-bool validWaitList(uint32_t count, const OsaHandle *events) {
-    if (count == 0 || count > kMaximumWaitObjects || events == nullptr) return false;
-    for (uint32_t i = 0; i < count; ++i) {
-        if (lookupHandleOf<Event>(events[i]) == nullptr) return false;
-        for (uint32_t j = 0; j < i; ++j) {
-            if (events[j] == events[i]) return false;
-        }
-    }
-    return true;
-}
-
-}  // namespace
+void Event::wakeUsers() { sys::wakeEvent(*this); }
 
 OsaHandle createEvent() {
     auto *event = new (std::nothrow) Event();
@@ -42,7 +23,10 @@ OsaHandle createEvent() {
     return handle;
 }
 
-bool signalEvent(OsaHandle event) { return lookupHandleOf<Event>(event) != nullptr && sys::setEvent(event); }
+bool signalEvent(OsaHandle event) {
+    const HandleRef<Event> held = acquireHandleOf<Event>(event);
+    return held && sys::setEvent(*held);
+}
 
 int pollTimeoutMs(std::chrono::nanoseconds left) {
     if (left <= std::chrono::nanoseconds::zero()) return 0;
@@ -51,8 +35,20 @@ int pollTimeoutMs(std::chrono::nanoseconds left) {
 }
 
 uint32_t waitForEvents(uint32_t count, const OsaHandle *events, bool waitAll, uint32_t timeoutMs) {
-    if (!validWaitList(count, events)) return kWaitFailed;
-    return sys::waitForEvents(count, events, waitAll, timeoutMs);
+    if (count == 0 || count > kMaximumWaitObjects || events == nullptr) return kWaitFailed;
+    // Every event stays held for the whole wait, so that closing one wakes
+    // the wait instead of pulling the object from under it.
+    HandleRef<Event> held[kMaximumWaitObjects];
+    Event *list[kMaximumWaitObjects];
+    for (uint32_t i = 0; i < count; ++i) {
+        held[i] = acquireHandleOf<Event>(events[i]);
+        if (!held[i]) return kWaitFailed;
+        for (uint32_t j = 0; j < i; ++j) {
+            if (list[j] == held[i].get()) return kWaitFailed;
+        }
+        list[i] = held[i].get();
+    }
+    return sys::waitForEvents(count, list, waitAll, timeoutMs);
 }
 
 }  // namespace ryn::osa

@@ -3,19 +3,23 @@
 // An event is an object of the system published in the handle table, so
 // OsaDeviceClose closes it. A successful wait consumes the signal and so
 // releases exactly one waiter; a wait for all of several events takes them
-// as one step.
-// - Linux: an eventfd. Its handle is the file descriptor, and a driver in
-//   the same process signals it by writing to the descriptor. A wait reads
-//   the counter back to 0; waiters of this library consume under one lock.
+// as one step. A wait on an event that is closed meanwhile fails.
+// - Linux: an eventfd beside a signalled state in user space. Its handle is
+//   the file descriptor, and a driver in the same process may signal it by
+//   writing to the descriptor. A signal with nobody asleep on the event only
+//   sets the user-space state; one for a sleeping waiter goes through the
+//   descriptor and wakes it.
 // - Windows: an event object of the system (CreateEvent: unnamed, auto-reset,
 //   non-signalled). Its handle is the HANDLE's value, a driver in the same
 //   process signals it with SetEvent, and the system's waits do the rest.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 
 #include "Osa.h"
+#include "osa/Handles.h"
 
 namespace ryn::osa {
 
@@ -25,6 +29,18 @@ inline constexpr uint32_t kWaitTimeout = 0x102;
 inline constexpr uint32_t kWaitFailed = 0xFFFFFFFF;
 inline constexpr uint32_t kWaitInfinite = 0xFFFFFFFF;
 inline constexpr uint32_t kMaximumWaitObjects = 64;
+
+class Event final : public HandleObject {
+public:
+    static constexpr Kind kKind = Kind::Event;
+    Event() : HandleObject(kKind) {}
+
+    // What the platform keeps beside the system's object (Linux: the
+    // user-space signal and the count of sleeping waiters; see posix/Events.cpp).
+    std::atomic<uint32_t> state{0};
+
+    void wakeUsers() override;
+};
 
 // A new event, or 0 when none can be made.
 OsaHandle createEvent();
@@ -40,7 +56,7 @@ int pollTimeoutMs(std::chrono::nanoseconds left);
 
 // The index of the signalled event (wait-any: the lowest; wait-all: 0),
 // kWaitTimeout, or kWaitFailed for a count of 0 or above 64, a handle that
-// is not an event, or an event named twice.
+// is not an event, an event named twice, or an event closed during the wait.
 uint32_t waitForEvents(uint32_t count, const OsaHandle *events, bool waitAll, uint32_t timeoutMs);
 
 }  // namespace ryn::osa

@@ -2,14 +2,22 @@
 //
 // Every handle is a handle of the system (a file descriptor on Linux, a
 // HANDLE on Windows) owned by the object published under it (a device
-// connection, an event object). Lookups take no lock, so that
-// concurrent requests on one connection do not contend; publishing and
-// retracting are serialised. An object must not be retracted while another
-// thread still uses it, as with any handle that is being closed.
+// connection, an event object). Lookups take no lock, so that concurrent
+// requests on one connection do not contend; publishing and retracting are
+// serialised.
+//
+// Lifetime. A call that uses an object holds a HandleRef for as long as it
+// does, counted in the object. Closing a handle takes it out of the table
+// at once (later lookups find nothing), then marks the object closing, wakes
+// what waits on it and waits until the calls in flight on it have let go;
+// only then is the system's handle closed and the object finished. So a
+// handle being closed stays alive until the calls on it return, and its
+// number is not given out again while any of them could still reach it.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
+#include <utility>
 
 #include "Osa.h"
 #include "osa/System.h"
@@ -26,9 +34,55 @@ public:
     HandleObject &operator=(const HandleObject &) = delete;
 
     Kind kind() const { return kind_; }
+    // The handle the object is published under (0 before it is).
+    OsaHandle handle() const { return handle_; }
+    // Set once the handle has been retracted: the object is on its way out.
+    bool closing() const { return closing_.load(std::memory_order_acquire); }
+
+    // Counts one more call in flight on the object; see HandleRef.
+    void enter() { users_.fetch_add(1, std::memory_order_acquire); }
+    void leave() { users_.fetch_sub(1, std::memory_order_release); }
+
+    // Makes the calls in flight that may sleep on the object (waits on an
+    // event) notice that it is closing. Called until they have all let go.
+    virtual void wakeUsers() {}
 
 private:
+    friend OsaHandle publishHandle(sys::NativeHandle native, HandleObject *object);
+    friend HandleObject *retractHandle(OsaHandle handle);
     Kind kind_;
+    OsaHandle handle_ = 0;
+    std::atomic<bool> closing_{false};
+    std::atomic<uint32_t> users_{0};
+};
+
+// A counted use of a handle's object: the object is not finished while a
+// HandleRef to it exists. Empty when the handle named no object of the kind.
+template <class T>
+class HandleRef {
+public:
+    HandleRef() = default;
+    explicit HandleRef(T *object) : object_(object) {}
+    HandleRef(HandleRef &&other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    HandleRef &operator=(HandleRef &&other) noexcept {
+        if (this != &other) {
+            reset();
+            object_ = std::exchange(other.object_, nullptr);
+        }
+        return *this;
+    }
+    ~HandleRef() { reset(); }
+
+    void reset() {
+        if (object_ != nullptr) std::exchange(object_, nullptr)->leave();
+    }
+    T *get() const { return object_; }
+    T *operator->() const { return object_; }
+    T &operator*() const { return *object_; }
+    explicit operator bool() const { return object_ != nullptr; }
+
+private:
+    T *object_ = nullptr;
 };
 
 // Takes over `native` as a handle of this layer (sys::adoptHandle: never 0,
@@ -37,40 +91,25 @@ private:
 // none (kNoNativeHandle) or the table has no room.
 OsaHandle publishHandle(sys::NativeHandle native, HandleObject *object);
 
-namespace detail {
-// The table is indexed by the handle's value shifted right by kHandleShift:
-// file descriptors count up from 0, Windows handles are multiples of 4.
-#if defined(_WIN32)
-inline constexpr uint32_t kHandleShift = 2;
-#else
-inline constexpr uint32_t kHandleShift = 0;
-#endif
-inline constexpr uint32_t kChunkSize = 1024;
-inline constexpr uint32_t kChunkCount = 1024;  // slots for 1,048,576 handles
-inline constexpr uint64_t kHandleLimit = uint64_t{kChunkSize} * kChunkCount << kHandleShift;
-using Slot = std::atomic<HandleObject *>;
-extern std::atomic<Slot *> handleChunks[kChunkCount];
-}  // namespace detail
+// The object published under `handle`, counted as in use (HandleRef), or
+// null. The caller lets it go with HandleObject::leave.
+HandleObject *acquireHandle(OsaHandle handle);
 
-// The object published under `handle`, or null. Inline: it sits on the path
-// of every driver request.
-inline HandleObject *lookupHandle(OsaHandle handle) {
-    using namespace detail;
-    if (handle >= kHandleLimit) return nullptr;
-    const uint32_t index = handle >> kHandleShift;
-    const Slot *slots = handleChunks[index / kChunkSize].load(std::memory_order_acquire);
-    return slots == nullptr ? nullptr : slots[index % kChunkSize].load(std::memory_order_acquire);
-}
-
-// Like lookupHandle, but only an object of the given kind.
+// Like acquireHandle, but only an object of the given kind.
 template <class T>
-T *lookupHandleOf(OsaHandle handle) {
-    HandleObject *object = lookupHandle(handle);
-    return object != nullptr && object->kind() == T::kKind ? static_cast<T *>(object) : nullptr;
+HandleRef<T> acquireHandleOf(OsaHandle handle) {
+    HandleObject *object = acquireHandle(handle);
+    if (object == nullptr) return {};
+    if (object->kind() != T::kKind) {
+        object->leave();
+        return {};
+    }
+    return HandleRef<T>(static_cast<T *>(object));
 }
 
-// Removes `handle` from the table and closes it (sys::closeHandle); returns the
-// object so that the caller can finish it, or null for an unknown handle.
+// Removes `handle` from the table, waits until no call uses its object any
+// more (waking those that wait on it), then closes the system's handle.
+// Returns the object for the caller to finish, or null for an unknown handle.
 HandleObject *retractHandle(OsaHandle handle);
 
 }  // namespace ryn::osa

@@ -15,6 +15,10 @@
 #include "Osa.h"
 #include "RynUserDriver.h"
 
+namespace ryn::osa {
+class Event;
+}  // namespace ryn::osa
+
 namespace ryn::osa::sys {
 
 // ---- Handles ----------------------------------------------------------------
@@ -60,11 +64,13 @@ void unloadModule(void *module);
 
 // A new unnamed auto-reset event, initially non-signalled, or kNoNativeHandle.
 NativeHandle newEvent();
-// Signals an event the layer gave out.
-bool setEvent(OsaHandle event);
-// Waits on events the layer gave out, each named once, 1 to 64 of them:
-// the result codes of Events.h.
-uint32_t waitForEvents(uint32_t count, const OsaHandle *events, bool waitAll, uint32_t timeoutMs);
+// Signals a published event.
+bool setEvent(Event &event);
+// Waits on published events held by the caller, each named once, 1 to 64 of
+// them: the result codes of Events.h; kWaitFailed once one is closing.
+uint32_t waitForEvents(uint32_t count, Event *const *events, bool waitAll, uint32_t timeoutMs);
+// Makes the waits on a closing event return (they then see it closing).
+void wakeEvent(Event &event);
 
 // ---- Threads, mutexes, time -------------------------------------------------
 

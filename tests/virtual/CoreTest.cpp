@@ -2,6 +2,7 @@
 // event queues across threads, connections, and requests that lie.
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <random>
 #include <cstring>
 #include <string>
@@ -105,6 +106,34 @@ TEST_F(VirtualBoardTest, ThreadsCallAtOnce) {
         });
     for (auto &thread : threads) thread.join();
     EXPECT_EQ(wrong, 0);
+}
+
+// The board signals a queue's event from inside other threads' requests
+// while the application closes that event: the signals stop or fail, and
+// nothing else is touched (the sanitizer builds watch the memory).
+TEST_F(VirtualBoardTest, EventsClosedUnderTheBoardsSignals) {
+    const DeviceHandle span = device(RYN_VB_DEVICE_T1E1);
+    for (int round = 0; round < 20; ++round) {
+        OsaHandle event = 0;
+        DeviceHandle queue = 0;
+        RynDrvCreateEvent(&event);
+        ASSERT_EQ(RynDrvCreateEventQueue(span, event, &queue), 0u);
+        std::atomic<bool> stop{false};
+        std::vector<std::thread> posters;
+        for (int t = 0; t < 2; ++t)
+            posters.emplace_back([&] {
+                while (!stop) RynDrvSetEventData(span, 0, 77, 1, 2, 3, 4);
+            });
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+        RynDrvCloseEvent(event);
+        OsaHandle next = 0;
+        RynDrvCreateEvent(&next);  // may take the closed event's number, as any new handle may
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+        stop = true;
+        for (auto &poster : posters) poster.join();
+        EXPECT_EQ(RynDrvClose(queue), 0u);
+        RynDrvCloseEvent(next);
+    }
 }
 
 TEST_F(VirtualBoardTest, BlocksPipesAndConnectionsLiveUntilClosed) {

@@ -1,14 +1,25 @@
-// Event objects on Linux: eventfds. A successful wait consumes the signal
-// (reads the counter back to 0), so it releases exactly one waiter; waiters
-// of this library consume under one lock, so that a wait for all of several
-// events takes them as one step.
+// Event objects on Linux: an eventfd beside a signalled state in user space.
+//
+// Event::state holds
+// - kSignalled: the event is signalled in user space. A signal while nobody
+//   may be asleep on the event only sets it: no system call.
+// - kInDescriptor: a signal went to the descriptor (written as the eventfd's
+//   counter) because a waiter may be asleep in poll on it; cleared by the
+//   waiter that reads the counter back.
+// - kTaking: a wait for several events is taking them as one step; a
+//   single wait leaves the user-space signal alone meanwhile.
+// - the number of waits that may sleep on the descriptor, from kSleeper up.
+// A driver in the process may also write to the descriptor itself; a wait
+// takes such a signal as it takes one of its own (it reads the counter back
+// to 0). A signal written that way while the event is already signalled in
+// user space may count once more; signals through the library never do.
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <mutex>
+#include <thread>
 
 #include "osa/Events.h"
 #include "osa/System.h"
@@ -16,57 +27,161 @@
 namespace ryn::osa::sys {
 namespace {
 
-// Held while a waiter of this library consumes signals.
-std::mutex consumeLock;
+constexpr uint32_t kSignalled = 1u << 0;
+constexpr uint32_t kInDescriptor = 1u << 1;
+constexpr uint32_t kTaking = 1u << 2;
+constexpr uint32_t kSleeper = 1u << 8;
 
-int descriptor(OsaHandle event) { return static_cast<int>(event); }
+using Clock = std::chrono::steady_clock;
 
-bool tryConsume(OsaHandle event) {
+// A wait on one event looks at the user-space signal for this long before it
+// goes to sleep, when the process has more than one processor: a signal that
+// comes within it costs no system call on either side and wakes the waiter at
+// once. Longer waits then sleep in poll.
+constexpr std::chrono::microseconds kSpin{20};
+
+int descriptor(const Event &event) { return static_cast<int>(event.handle()); }
+
+// Reads the descriptor's counter back to 0: whether it held a signal.
+bool readDescriptor(const Event &event) {
     uint64_t count = 0;
     return read(descriptor(event), &count, sizeof count) == sizeof count;
 }
 
-bool isSignalled(OsaHandle event) {
-    pollfd entry{descriptor(event), POLLIN, 0};
-    return poll(&entry, 1, 0) == 1 && (entry.revents & POLLIN) != 0;
+void writeDescriptor(const Event &event) {
+    const uint64_t one = 1;
+    // A full counter (EAGAIN) is still a signalled descriptor.
+    [[maybe_unused]] const ssize_t written = write(descriptor(event), &one, sizeof one);
 }
 
-// Consumes one signalled event (the lowest index), or all of them when
-// every one is signalled; backs out if a signal vanished meanwhile.
-bool tryTake(uint32_t count, const OsaHandle *events, bool waitAll, uint32_t &index) {
-    std::lock_guard lock(consumeLock);
-    if (!waitAll) {
-        for (uint32_t i = 0; i < count; ++i) {
-            if (tryConsume(events[i])) {
-                index = i;
-                return true;
-            }
+void relax() {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#endif
+}
+
+// Takes the user-space signal; waits out a wait-all that is taking the event.
+bool takeSignal(Event &event) {
+    uint32_t state = event.state.load(std::memory_order_acquire);
+    for (;;) {
+        if ((state & kTaking) != 0) {
+            relax();
+            state = event.state.load(std::memory_order_acquire);
+            continue;
         }
-        return false;
+        if ((state & kSignalled) == 0) return false;
+        if (event.state.compare_exchange_weak(state, state & ~kSignalled, std::memory_order_acq_rel)) return true;
     }
-    for (uint32_t i = 0; i < count; ++i) {
-        if (!isSignalled(events[i])) return false;
+}
+
+// Takes a signal wherever it is: in user space, or in the descriptor (sent
+// to a sleeper, or written there by a driver).
+bool take(Event &event) {
+    if (takeSignal(event)) return true;
+    if ((event.state.load(std::memory_order_acquire) & kInDescriptor) != 0)
+        event.state.fetch_and(~kInDescriptor, std::memory_order_acq_rel);
+    return readDescriptor(event);
+}
+
+// A wait that may sleep on the event's descriptor from here on. A signal
+// sees the count before it chooses between user space and the descriptor,
+// and the wait looks for a signal again after counting itself, so no signal
+// is missed in between.
+void addSleeper(Event &event) { event.state.fetch_add(kSleeper, std::memory_order_acq_rel); }
+
+void removeSleeper(Event &event) {
+    const uint32_t before = event.state.fetch_sub(kSleeper, std::memory_order_acq_rel);
+    // The last sleeper leaving with a signal still in the descriptor (its
+    // waiter timed out) moves it back to user space, where the next signal
+    // finds the event already signalled.
+    if (before < 2 * kSleeper && (before & kInDescriptor) != 0) {
+        event.state.fetch_and(~kInDescriptor, std::memory_order_acq_rel);
+        if (readDescriptor(event)) setEvent(event);
     }
+}
+
+// Whether a waiter may spin at all: not on a single processor, where the
+// signaller cannot run while the waiter spins.
+bool spinning() {
+    static const bool several = std::thread::hardware_concurrency() > 1;
+    return several;
+}
+
+// Looks for the signal of one event until kSpin has passed.
+bool spinFor(Event &event) {
+    const auto end = Clock::now() + kSpin;
+    do {
+        for (int i = 0; i < 32; ++i) relax();
+        if (takeSignal(event)) return true;
+    } while (!event.closing() && Clock::now() < end);
+    return false;
+}
+
+bool anyClosing(uint32_t count, Event *const *events) {
     for (uint32_t i = 0; i < count; ++i) {
-        if (!tryConsume(events[i])) {
-            for (uint32_t j = 0; j < i; ++j) setEvent(events[j]);
-            return false;
+        if (events[i]->closing()) return true;
+    }
+    return false;
+}
+
+// Waits for several events take under this lock, one at a time; a single
+// wait does not.
+std::mutex severalLock;
+
+bool tryTakeAny(uint32_t count, Event *const *events, uint32_t &index) {
+    std::lock_guard lock(severalLock);
+    for (uint32_t i = 0; i < count; ++i) {
+        if (take(*events[i])) {
+            index = i;
+            return true;
         }
     }
+    return false;
+}
+
+// Takes every event or none: each is marked as being taken, signals in the
+// descriptors are moved to user space, and only when all are signalled are
+// all the signals taken.
+bool tryTakeAll(uint32_t count, Event *const *events) {
+    std::lock_guard lock(severalLock);
+    for (uint32_t i = 0; i < count; ++i) events[i]->state.fetch_or(kTaking, std::memory_order_acq_rel);
+    bool all = true;
+    for (uint32_t i = 0; i < count && all; ++i) {
+        Event &event = *events[i];
+        if ((event.state.load(std::memory_order_acquire) & kSignalled) != 0) continue;
+        event.state.fetch_and(~kInDescriptor, std::memory_order_acq_rel);
+        if (readDescriptor(event)) {
+            event.state.fetch_or(kSignalled, std::memory_order_acq_rel);
+        } else {
+            all = false;
+        }
+    }
+    const uint32_t clear = all ? (kTaking | kSignalled) : kTaking;
+    for (uint32_t i = 0; i < count; ++i) events[i]->state.fetch_and(~clear, std::memory_order_acq_rel);
+    return all;
+}
+
+bool tryTake(uint32_t count, Event *const *events, bool waitAll, uint32_t &index) {
+    if (count == 1) {
+        index = 0;
+        return take(*events[0]);
+    }
+    if (!waitAll) return tryTakeAny(count, events, index);
     index = 0;
-    return true;
+    return tryTakeAll(count, events);
 }
 
-// Blocks until one of the events that matter may have become signalled (any
-// of them for wait-any, one not yet signalled for wait-all) or the time is up.
-void block(uint32_t count, const OsaHandle *events, bool waitAll, int timeoutMs) {
+// Sleeps until a descriptor that matters may have become readable (any for
+// wait-any; for wait-all, one of an event not signalled in user space) or
+// the time is up.
+void block(uint32_t count, Event *const *events, bool waitAll, int timeoutMs) {
     pollfd entries[kMaximumWaitObjects];
     nfds_t watched = 0;
     for (uint32_t i = 0; i < count; ++i) {
-        if (waitAll && isSignalled(events[i])) continue;
-        entries[watched++] = pollfd{descriptor(events[i]), POLLIN, 0};
+        if (waitAll && (events[i]->state.load(std::memory_order_acquire) & kSignalled) != 0) continue;
+        entries[watched++] = pollfd{descriptor(*events[i]), POLLIN, 0};
     }
-    if (watched == 0) return;  // all signalled: taken by someone else meanwhile or about to be ours
+    if (watched == 0) return;  // all signalled: taken by someone else meanwhile, or about to be ours
     poll(entries, watched, timeoutMs);
 }
 
@@ -74,25 +189,51 @@ void block(uint32_t count, const OsaHandle *events, bool waitAll, int timeoutMs)
 
 NativeHandle newEvent() { return eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK); }
 
-bool setEvent(OsaHandle event) {
-    const uint64_t one = 1;
-    // A full counter (EAGAIN) is still a signalled event.
-    return write(descriptor(event), &one, sizeof one) == sizeof one || errno == EAGAIN;
+bool setEvent(Event &event) {
+    uint32_t state = event.state.load(std::memory_order_acquire);
+    for (;;) {
+        if ((state & (kSignalled | kInDescriptor)) != 0) return true;  // signalled already
+        if (state >= kSleeper) {
+            if (event.state.compare_exchange_weak(state, state | kInDescriptor, std::memory_order_acq_rel)) {
+                writeDescriptor(event);
+                return true;
+            }
+        } else if (event.state.compare_exchange_weak(state, state | kSignalled, std::memory_order_acq_rel)) {
+            return true;
+        }
+    }
 }
 
-uint32_t waitForEvents(uint32_t count, const OsaHandle *events, bool waitAll, uint32_t timeoutMs) {
-    using Clock = std::chrono::steady_clock;
+void wakeEvent(Event &event) { writeDescriptor(event); }
+
+uint32_t waitForEvents(uint32_t count, Event *const *events, bool waitAll, uint32_t timeoutMs) {
     const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    if (anyClosing(count, events)) return kWaitFailed;
+    uint32_t index = 0;
+    if (count == 1 && takeSignal(*events[0])) return kWaitObject0;
+    if (count == 1 && timeoutMs != 0 && spinning() && spinFor(*events[0]))
+        return events[0]->closing() ? kWaitFailed : kWaitObject0;
+    for (uint32_t i = 0; i < count; ++i) addSleeper(*events[i]);
+    uint32_t result = kWaitFailed;
     for (;;) {
-        uint32_t index = 0;
-        if (tryTake(count, events, waitAll, index)) return kWaitObject0 + index;
+        if (anyClosing(count, events)) break;
+        if (tryTake(count, events, waitAll, index)) {
+            // A signal taken as the event was being closed is no signal.
+            if (!anyClosing(count, events)) result = kWaitObject0 + index;
+            break;
+        }
         int slice = -1;
         if (timeoutMs != kWaitInfinite) {
             slice = pollTimeoutMs(deadline - Clock::now());
-            if (slice == 0) return kWaitTimeout;
+            if (slice == 0) {
+                result = kWaitTimeout;
+                break;
+            }
         }
         block(count, events, waitAll, slice);
     }
+    for (uint32_t i = 0; i < count; ++i) removeSleeper(*events[i]);
+    return result;
 }
 
 }  // namespace ryn::osa::sys
