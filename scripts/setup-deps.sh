@@ -4,6 +4,7 @@
 #   setup-deps.sh build    only what building the library, the board and rynctl needs
 #   setup-deps.sh docs     that, and Doxygen for the API reference (the `docs` target)
 #   setup-deps.sh i386     everything, and what the 32-bit build (RYN_ARCH=i386 run-tests.sh) needs
+#   setup-deps.sh fuzz     what building the library needs, and clang for the fuzzers (scripts/fuzz.sh)
 set -eu
 mode=${1:-all}
 need=()
@@ -24,6 +25,10 @@ if [ "$mode" = all ] || [ "$mode" = i386 ]; then
 fi
 if [ "$mode" = docs ]; then
   command -v doxygen >/dev/null || need+=(doxygen)
+fi
+# The fuzzers: clang, whose package brings libFuzzer and the sanitizers' runtimes.
+if [ "$mode" = fuzz ]; then
+  command -v clang++ >/dev/null || need+=(clang)
 fi
 # The 32-bit build: gcc's -m32 with the i386 C and C++ runtimes, and
 # GoogleTest's sources, built with -m32 inside the build. The i386 libraries of

@@ -21,7 +21,7 @@ namespace {
 
 // ---- Request layouts --------------------------------------------------------
 
-constexpr uint32_t kParam1 = 20, kParam2 = 24, kParam3 = 28, kParam4 = 32, kParam5 = 36;
+constexpr uint32_t kParam1 = 20, kParam2 = 24, kParam3 = 28, kParam4 = 32;
 constexpr uint32_t kConstValue = 24;  // 16 bits
 constexpr uint32_t kSineSlots = 24, kSlotBytes = 6, kSineCount = 54, kSineOffTime = 58;
 constexpr uint32_t kDtmfGenDuration = 24, kDtmfGenDigit = 28;  // after param1

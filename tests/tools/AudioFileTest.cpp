@@ -150,6 +150,29 @@ TEST(AudioFile, ClipsFloatSamplesTo16Bits) {
 #endif
 }
 
+// Headers that promise more than a file holds: a 42-byte FLAC whose stream
+// information claims 2^36 samples is read as the nothing it holds (no
+// allocation of the promised length), and a 32 Hz file is refused rather than
+// multiplied 250 times over.
+TEST(AudioFile, HeadersThatPromiseTooMuch) {
+#if !RYN_AUDIO_LIBRARIES
+    GTEST_SKIP() << "rynctl built without libsndfile reads only 8 kHz mono 16-bit and G.711 files";
+#else
+    std::vector<uint8_t> flac = {'f', 'L', 'a', 'C', 0x80, 0x00, 0x00, 0x22, 0x10, 0x00, 0x10, 0x00, 0x00, 0x00,
+                                 0x00, 0x00, 0x00, 0x00, 0x01, 0xF4, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+    flac.resize(42, 0);
+    TempFile claims(flac, "claims.flac");
+    std::vector<int16_t> samples;
+    std::string error, conversion;
+    read(claims.path(), samples, error, conversion);  // whatever it says, it returns
+    EXPECT_LT(samples.capacity(), size_t{8000} * 601);
+    TempFile slow({}, "slow.wav");
+    ASSERT_TRUE(writeWithLibsndfile(slow.path(), SF_FORMAT_WAV | SF_FORMAT_PCM_16, 32, 1, {0.5, -0.5}));
+    EXPECT_FALSE(read(slow.path(), samples, error, conversion));
+    EXPECT_NE(error.find("32 Hz is below the lowest rate read, 1000 Hz"), std::string::npos) << error;
+#endif
+}
+
 TEST(AudioFile, OutputFormatFollowsTheEncodingAndTheExtension) {
     const auto W = Container::Wav, R = Container::Raw;
     const auto P = Encoding::Pcm16, U = Encoding::Ulaw, A = Encoding::Alaw;

@@ -44,6 +44,8 @@ std::string quoted(const std::string &path) { return "\"" + path + "\""; }
 #if RYN_AUDIO_LIBRARIES
 
 constexpr sf_count_t kChunkFrames = 4096;
+constexpr int kLowestRate = 1000;
+constexpr size_t kReservedSamples = size_t{kSampleRate} * 600;  // ten minutes
 
 struct CloseSndFile {
     void operator()(SNDFILE *file) const { sf_close(file); }
@@ -299,6 +301,13 @@ bool read(const std::string &path, std::vector<int16_t> &samples, std::string &e
         error = quoted(path) + " has no channels or no sample rate";
         return false;
     }
+    // Below 1 kHz a file holds no audio a telephone line carries, and the
+    // conversion would multiply it many times over (up to 256x).
+    if (info.samplerate < kLowestRate) {
+        error = quoted(path) + ": " + std::to_string(info.samplerate) + " Hz is below the lowest rate read, " +
+                std::to_string(kLowestRate) + " Hz";
+        return false;
+    }
     const double ratio = static_cast<double>(kSampleRate) / info.samplerate;
     std::unique_ptr<Resampler> resampler;
     if (info.samplerate != static_cast<int>(kSampleRate)) {
@@ -312,8 +321,11 @@ bool read(const std::string &path, std::vector<int16_t> &samples, std::string &e
             return false;
         }
     }
+    // The header's frame count is a hint, not a promise (a few bytes of FLAC
+    // may claim any length): room for at most kReservedSamples up front.
     if (info.frames > 0 && info.frames < SF_COUNT_MAX)
-        samples.reserve(static_cast<size_t>(static_cast<double>(info.frames) * ratio) + 16);
+        samples.reserve(static_cast<size_t>(
+            std::min(static_cast<double>(info.frames) * ratio + 16, static_cast<double>(kReservedSamples))));
 
     // Frames in chunks, each averaged to mono and converted.
     const auto channels = static_cast<size_t>(info.channels);
