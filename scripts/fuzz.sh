@@ -16,7 +16,7 @@ dir=$root/build-fuzz
 "$root/scripts/setup-deps.sh" fuzz
 CC=clang CXX=clang++ cmake -S "$root" -B "$dir" -G Ninja -DRYN_FUZZ=ON -DRYN_LTO=OFF -DRYN_BUILD_TESTS=OFF \
   -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-cmake --build "$dir" -j2
+cmake --build "$dir" -j2 --target ryn_fuzzers
 
 fuzzers=$(find "$dir/bin" -maxdepth 1 -type f -name '*_fuzzer' -perm -u+x | sort)
 if [ -z "$fuzzers" ]; then

@@ -3,10 +3,12 @@
 #include <atomic>
 #include <cstring>
 #include <mutex>
+#include <thread>
 #include <new>
 
 #include "core/ResultCode.h"
 #include "device/AppEventQueueTable.h"
+#include "osa/Events.h"
 
 namespace ryn::appqueue {
 namespace {
@@ -22,10 +24,39 @@ struct Queue {
     uint32_t writeIndex;
     EventData *storage;   // capacity entries, 0xFF while unused
     EventData **entries;  // per ring position, the entry written there
+    osa::EventLink link;  // the event last signalled under `event`
+};
+
+// The table's lock. Its holders copy a few records and leave, so a thread
+// that finds it taken waits by spinning (giving up its turn now and then)
+// rather than going to sleep in the system: a producer and a consumer on
+// two processors pass it back and forth without a system call.
+class SpinLock {
+public:
+    void lock() {
+        for (uint32_t tries = 0; locked_.exchange(true, std::memory_order_acquire); ) {
+            while (locked_.load(std::memory_order_relaxed)) {
+                if (++tries % 64 == 0) {
+                    std::this_thread::yield();
+                } else {
+                    relax();
+                }
+            }
+        }
+    }
+    void unlock() { locked_.store(false, std::memory_order_release); }
+
+private:
+    static void relax() {
+#if defined(__x86_64__) || defined(__i386__)
+        __builtin_ia32_pause();
+#endif
+    }
+    std::atomic<bool> locked_{false};
 };
 
 struct Table {
-    std::mutex lock;
+    SpinLock lock;
     Queue queues[kQueueCount];
 };
 
@@ -108,7 +139,7 @@ ResultCode RYN_DECORATED(RynCreateAppEventQueue, 12)(uint32_t capacity, OsaHandl
     if (id == kQueueCount) {
         result = RYN_FAILURE(kErrNoMemory);
     } else {
-        Queue fresh{event, capacity, 0, 0, 0, nullptr, nullptr};
+        Queue fresh{event, capacity, 0, 0, 0, nullptr, nullptr, {}};
         if (capacity != 0) {
             fresh.storage = new (std::nothrow) EventData[capacity];
             fresh.entries = new (std::nothrow) EventData *[capacity]();
@@ -179,6 +210,30 @@ ResultCode append(Queue &slot, const EventData &record) {
     return 0;
 }
 
+// The queue's event and what is known of it (osa::EventLink), read under the
+// lock; the signal is given outside it.
+struct Signal {
+    OsaHandle event = 0;
+    osa::EventLink link;
+};
+
+Signal signalOf(const Queue &slot) { return {slot.event, slot.link}; }
+
+// An event that is signalled already costs a few reads; one that must be
+// woken, or was closed meanwhile, is looked up and held for the signal, which
+// then fails rather than stray. What was learnt goes back to the queue.
+ResultCode give(int32_t id, Signal signal) {
+    const osa::EventLink before = signal.link;
+    const bool signalled = osa::signalEvent(signal.event, signal.link);
+    if (signal.link.event != before.event || signal.link.incarnation != before.incarnation) {
+        withQueue(id, [&](Queue &slot) -> ResultCode {
+            if (slot.event == signal.event) slot.link = signal.link;
+            return 0;
+        });
+    }
+    return signalled ? 0 : RYN_FAILURE(kErrFailed);
+}
+
 }  // namespace
 
 ResultCode RYN_DECORATED(RynQueueAppEventDataEx, 36)(int32_t queue, uint32_t w2, uint32_t w3, uint32_t w4, uint32_t w5,
@@ -188,28 +243,26 @@ ResultCode RYN_DECORATED(RynQueueAppEventDataEx, 36)(int32_t queue, uint32_t w2,
 }
 
 ResultCode RYN_DECORATED(RynSignalAppEvent, 4)(int32_t queue) {
-    OsaHandle event = 0;
-    const ResultCode checked = withQueue(queue, [&event](Queue &slot) -> ResultCode {
-        event = slot.event;
+    Signal signal;
+    const ResultCode checked = withQueue(queue, [&signal](Queue &slot) -> ResultCode {
+        signal = signalOf(slot);
         return 0;
     });
     if (checked != 0) return checked;
-    // Outside the lock: the event is looked up and held for the signal, so a
-    // close on another thread meanwhile makes the signal fail, never stray.
-    return RYN_DECORATED(RynDrvSignalEvent, 4)(event);
+    return give(queue, signal);
 }
 
 ResultCode RYN_DECORATED(RynSetAppEventDataEx, 36)(int32_t queue, uint32_t w2, uint32_t w3, uint32_t w4, uint32_t w5,
                                                    uint32_t w6, uint32_t w7, uint32_t w0, uint32_t w1) {
-    // Queued and the event read in one turn of the lock.
+    // Queued, and the event read, in one turn of the lock.
     const EventData record{{w0, w1, w2, w3, w4, w5, w6, w7}};
-    OsaHandle event = 0;
+    Signal signal;
     const ResultCode queued = withQueue(queue, [&](Queue &slot) {
-        event = slot.event;
+        signal = signalOf(slot);
         return append(slot, record);
     });
     if (isFailure(queued)) return queued;
-    return RYN_DECORATED(RynDrvSignalEvent, 4)(event);
+    return give(queue, signal);
 }
 
 }  // extern "C"

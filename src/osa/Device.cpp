@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "osa/Events.h"
 #include "osa/Handles.h"
 #include "osa/System.h"
 
@@ -247,8 +248,8 @@ int32_t RYN_DECORATED(OsaDeviceClose, 4)(OsaHandle handle) {
     using namespace ryn::osa;
     HandleObject *object = retractHandle(handle);
     if (object == nullptr) return 0;
-    if (object->kind() != Device::kKind) {
-        delete object;
+    if (object->kind() == Event::kKind) {
+        recycleEvent(static_cast<Event *>(object));
         return 1;
     }
     // The calls in flight on the connection have returned (retractHandle

@@ -30,21 +30,45 @@ inline constexpr uint32_t kWaitFailed = 0xFFFFFFFF;
 inline constexpr uint32_t kWaitInfinite = 0xFFFFFFFF;
 inline constexpr uint32_t kMaximumWaitObjects = 64;
 
+// Event objects are kept for reuse once closed, never freed: a pointer to
+// one always reaches an Event, and its incarnation tells whether it is still
+// the event it was (see EventLink).
 class Event final : public HandleObject {
 public:
     static constexpr Kind kKind = Kind::Event;
     Event() : HandleObject(kKind) {}
 
-    // What the platform keeps beside the system's object (Linux: the
-    // user-space signal and the count of sleeping waiters; see posix/Events.cpp).
-    std::atomic<uint32_t> state{0};
+    // The high 32 bits count the times the object was made an event anew
+    // (its incarnation); the low 32 are what the platform keeps beside the
+    // system's object (Linux: the user-space signal and the count of
+    // sleeping waiters; see posix/Events.cpp). One word, so that a change
+    // made for one incarnation never lands on the next.
+    std::atomic<uint64_t> state{0};
+    uint32_t incarnation() const { return static_cast<uint32_t>(state.load(std::memory_order_acquire) >> 32); }
 
     void wakeUsers() override;
+    // Makes a closed event ready to be published again.
+    void renew();
 };
 
 // A new event, or 0 when none can be made.
 OsaHandle createEvent();
 bool signalEvent(OsaHandle event);
+
+// What a caller that signals one handle again and again (an application
+// event queue) remembers of the event it found there, so that the next
+// signal need not look it up: while that event is open it is still the one
+// under the handle, and a signal of an event already signalled then costs no
+// more than a few reads. Empty at first; signalEvent fills it.
+struct EventLink {
+    Event *event = nullptr;
+    uint32_t incarnation = 0;
+};
+bool signalEvent(OsaHandle event, EventLink &link);
+
+// Takes a closed event (retracted from the table) into the pool of events
+// for reuse.
+void recycleEvent(Event *event);
 
 // One poll of a timed wait on Linux lasts at most this long; a wait with
 // more time left polls again until its deadline.

@@ -96,9 +96,9 @@ HandleObject *retractHandle(OsaHandle handle) {
         if (object == nullptr) return nullptr;
         waitForLookups();
     }
-    object->closing_.store(true, std::memory_order_release);
+    object->closing_.store(true, std::memory_order_seq_cst);
     // Calls in flight finish on their own; waits are woken until they notice.
-    for (uint32_t round = 0; object->users_.load(std::memory_order_acquire) != 0; ++round) {
+    for (uint32_t round = 0; object->users_.load(std::memory_order_seq_cst) != 0; ++round) {
         object->wakeUsers();
         if (round < 64) {
             std::this_thread::yield();

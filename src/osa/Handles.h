@@ -37,15 +37,22 @@ public:
     // The handle the object is published under (0 before it is).
     OsaHandle handle() const { return handle_; }
     // Set once the handle has been retracted: the object is on its way out.
-    bool closing() const { return closing_.load(std::memory_order_acquire); }
+    bool closing() const { return closing_.load(std::memory_order_seq_cst); }
 
-    // Counts one more call in flight on the object; see HandleRef.
-    void enter() { users_.fetch_add(1, std::memory_order_acquire); }
+    // Counts one more call in flight on the object; see HandleRef. A call
+    // that enters an object it did not look up (a cached pointer) checks
+    // closing() after entering: the close marks the object closing before it
+    // counts the calls in flight, so one of the two sees the other.
+    void enter() { users_.fetch_add(1, std::memory_order_seq_cst); }
     void leave() { users_.fetch_sub(1, std::memory_order_release); }
 
     // Makes the calls in flight that may sleep on the object (waits on an
     // event) notice that it is closing. Called until they have all let go.
     virtual void wakeUsers() {}
+
+protected:
+    // An object finished and published anew (a recycled event): open again.
+    void reopen() { closing_.store(false, std::memory_order_relaxed); }
 
 private:
     friend OsaHandle publishHandle(sys::NativeHandle native, HandleObject *object);

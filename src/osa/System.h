@@ -71,6 +71,12 @@ bool setEvent(Event &event);
 uint32_t waitForEvents(uint32_t count, Event *const *events, bool waitAll, uint32_t timeoutMs);
 // Makes the waits on a closing event return (they then see it closing).
 void wakeEvent(Event &event);
+// Signals an event through a pointer kept from an earlier lookup, without
+// holding it, when that needs no system call: Done (signalled, or signalled
+// already), NeedsCall (the caller holds the event and calls setEvent), or
+// Stale (the object is no longer that incarnation of the event).
+enum class InPlace { Done, NeedsCall, Stale };
+InPlace signalInPlace(Event &event, uint32_t incarnation);
 
 // ---- Threads, mutexes, time -------------------------------------------------
 

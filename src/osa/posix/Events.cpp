@@ -19,7 +19,6 @@
 
 #include <chrono>
 #include <mutex>
-#include <thread>
 
 #include "osa/Events.h"
 #include "osa/System.h"
@@ -27,18 +26,16 @@
 namespace ryn::osa::sys {
 namespace {
 
-constexpr uint32_t kSignalled = 1u << 0;
-constexpr uint32_t kInDescriptor = 1u << 1;
-constexpr uint32_t kTaking = 1u << 2;
-constexpr uint32_t kSleeper = 1u << 8;
+// In the low 32 bits of Event::state; the high 32 are the incarnation.
+constexpr uint64_t kSignalled = 1u << 0;
+constexpr uint64_t kInDescriptor = 1u << 1;
+constexpr uint64_t kTaking = 1u << 2;
+constexpr uint64_t kSleeper = 1u << 8;
+constexpr uint64_t kSleepers = 0xFFFFFF00u;
+
+bool sleepers(uint64_t state) { return (state & kSleepers) != 0; }
 
 using Clock = std::chrono::steady_clock;
-
-// A wait on one event looks at the user-space signal for this long before it
-// goes to sleep, when the process has more than one processor: a signal that
-// comes within it costs no system call on either side and wakes the waiter at
-// once. Longer waits then sleep in poll.
-constexpr std::chrono::microseconds kSpin{20};
 
 int descriptor(const Event &event) { return static_cast<int>(event.handle()); }
 
@@ -62,7 +59,7 @@ void relax() {
 
 // Takes the user-space signal; waits out a wait-all that is taking the event.
 bool takeSignal(Event &event) {
-    uint32_t state = event.state.load(std::memory_order_acquire);
+    uint64_t state = event.state.load(std::memory_order_acquire);
     for (;;) {
         if ((state & kTaking) != 0) {
             relax();
@@ -90,31 +87,14 @@ bool take(Event &event) {
 void addSleeper(Event &event) { event.state.fetch_add(kSleeper, std::memory_order_acq_rel); }
 
 void removeSleeper(Event &event) {
-    const uint32_t before = event.state.fetch_sub(kSleeper, std::memory_order_acq_rel);
+    const uint64_t before = event.state.fetch_sub(kSleeper, std::memory_order_acq_rel);
     // The last sleeper leaving with a signal still in the descriptor (its
     // waiter timed out) moves it back to user space, where the next signal
     // finds the event already signalled.
-    if (before < 2 * kSleeper && (before & kInDescriptor) != 0) {
+    if ((before & kSleepers) == kSleeper && (before & kInDescriptor) != 0) {
         event.state.fetch_and(~kInDescriptor, std::memory_order_acq_rel);
         if (readDescriptor(event)) setEvent(event);
     }
-}
-
-// Whether a waiter may spin at all: not on a single processor, where the
-// signaller cannot run while the waiter spins.
-bool spinning() {
-    static const bool several = std::thread::hardware_concurrency() > 1;
-    return several;
-}
-
-// Looks for the signal of one event until kSpin has passed.
-bool spinFor(Event &event) {
-    const auto end = Clock::now() + kSpin;
-    do {
-        for (int i = 0; i < 32; ++i) relax();
-        if (takeSignal(event)) return true;
-    } while (!event.closing() && Clock::now() < end);
-    return false;
 }
 
 bool anyClosing(uint32_t count, Event *const *events) {
@@ -156,7 +136,7 @@ bool tryTakeAll(uint32_t count, Event *const *events) {
             all = false;
         }
     }
-    const uint32_t clear = all ? (kTaking | kSignalled) : kTaking;
+    const uint64_t clear = all ? (kTaking | kSignalled) : kTaking;
     for (uint32_t i = 0; i < count; ++i) events[i]->state.fetch_and(~clear, std::memory_order_acq_rel);
     return all;
 }
@@ -190,10 +170,10 @@ void block(uint32_t count, Event *const *events, bool waitAll, int timeoutMs) {
 NativeHandle newEvent() { return eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK); }
 
 bool setEvent(Event &event) {
-    uint32_t state = event.state.load(std::memory_order_acquire);
+    uint64_t state = event.state.load(std::memory_order_acquire);
     for (;;) {
         if ((state & (kSignalled | kInDescriptor)) != 0) return true;  // signalled already
-        if (state >= kSleeper) {
+        if (sleepers(state)) {
             if (event.state.compare_exchange_weak(state, state | kInDescriptor, std::memory_order_acq_rel)) {
                 writeDescriptor(event);
                 return true;
@@ -206,13 +186,22 @@ bool setEvent(Event &event) {
 
 void wakeEvent(Event &event) { writeDescriptor(event); }
 
+InPlace signalInPlace(Event &event, uint32_t incarnation) {
+    uint64_t state = event.state.load(std::memory_order_acquire);
+    for (;;) {
+        if (state >> 32 != incarnation) return InPlace::Stale;
+        if ((state & (kSignalled | kInDescriptor)) != 0) return InPlace::Done;
+        if (sleepers(state)) return InPlace::NeedsCall;  // a sleeper is woken through the descriptor
+        if (event.state.compare_exchange_weak(state, state | kSignalled, std::memory_order_acq_rel))
+            return InPlace::Done;
+    }
+}
+
 uint32_t waitForEvents(uint32_t count, Event *const *events, bool waitAll, uint32_t timeoutMs) {
     const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
     if (anyClosing(count, events)) return kWaitFailed;
     uint32_t index = 0;
     if (count == 1 && takeSignal(*events[0])) return kWaitObject0;
-    if (count == 1 && timeoutMs != 0 && spinning() && spinFor(*events[0]))
-        return events[0]->closing() ? kWaitFailed : kWaitObject0;
     for (uint32_t i = 0; i < count; ++i) addSleeper(*events[i]);
     uint32_t result = kWaitFailed;
     for (;;) {

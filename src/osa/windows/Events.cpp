@@ -42,6 +42,10 @@ bool setEvent(Event &event) { return SetEvent(nativeOf(event.handle())) != 0; }
 
 void wakeEvent(Event &event) { SetEvent(nativeOf(event.handle())); }
 
+InPlace signalInPlace(Event &event, uint32_t incarnation) {
+    return event.incarnation() == incarnation ? InPlace::NeedsCall : InPlace::Stale;
+}
+
 uint32_t waitForEvents(uint32_t count, Event *const *events, bool waitAll, uint32_t timeoutMs) {
     HANDLE handles[MAXIMUM_WAIT_OBJECTS] = {};
     for (uint32_t i = 0; i < count; ++i) handles[i] = nativeOf(events[i]->handle());
