@@ -52,8 +52,14 @@ win32_tests=$(ctest --test-dir build-win32 -N | sed -n 's/^Total Tests: //p')
 cmake -S . -B build-win64 -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/toolchains/mingw-x86_64.cmake \
   -DRYN_BUILD_TESTS=ON -DRYN_GTEST_SOURCE_DIR=/usr/src/googletest -DRYN_HOST_SPMGEN="$spmgen" >/dev/null
 cmake --build build-win64 -j2
-ctest --test-dir build-win64 --output-on-failure -j2 | tee build-win64/ctest.log
-win64_summary=$(sed -n 's/^[0-9]*% tests passed, //p' build-win64/ctest.log)
+if ! ctest --test-dir build-win64 --output-on-failure -j2 | tee build-win64/ctest.log; then
+  # Under load wine's own server now and then drops a test program ("wine
+  # client error"): the tests that failed so run once more, and must pass.
+  grep -q '^wine client error' build-win64/ctest.log || exit 1
+  echo "wine dropped a test program: running the failed tests again"
+  ctest --test-dir build-win64 --output-on-failure --rerun-failed | tee -a build-win64/ctest.log
+fi
+win64_summary=$(sed -n 's/^[0-9]*% tests passed, //p' build-win64/ctest.log | tail -n 1)
 
 echo "Windows: built build-win32 (RynHwDll.dll, import and static libraries; ${win32_tests} export check passed)" \
      "and build-win64 (library, virtual board, rynctl, examples, tests: ${win64_summary} under wine64)"
