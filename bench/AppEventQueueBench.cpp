@@ -97,9 +97,8 @@ void BM_SleepingWaiterWakeLatency(benchmark::State &state) {
         signalledAt = Clock::now().time_since_epoch().count();
         RynDrvSignalEvent_4(event);
         waiter.join();
-        wakes.push_back(std::chrono::duration<double>(woke.time_since_epoch() -
-                                                      Clock::duration(signalledAt.load()))
-                            .count());
+        wakes.push_back(
+            std::chrono::duration<double>(woke.time_since_epoch() - Clock::duration(signalledAt.load())).count());
     }
     state.counters["wake_latency"] = medianOf(wakes);
     RynDrvCloseEvent_4(event);

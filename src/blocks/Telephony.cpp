@@ -44,9 +44,11 @@ constexpr uint32_t kTableWords = 13;      // table words at 102; 11: value count
 struct CptBlock {
     uint8_t bytes[kCptBlockBytes]{};
 
-    void put16(uint32_t offset, uint16_t value) { store16(bytes + offset - kCptBlockStart, value); }
+    // Offsets of the request, inside the block: the difference is taken
+    // before it is added to the block's address.
+    void put16(uint32_t offset, uint16_t value) { store16(bytes + (offset - kCptBlockStart), value); }
     void putBytes(uint32_t offset, const void *from, uint32_t length) {
-        std::memcpy(bytes + offset - kCptBlockStart, from, length);
+        std::memcpy(bytes + (offset - kCptBlockStart), from, length);
     }
 };
 

@@ -34,7 +34,7 @@ struct Queue {
 class SpinLock {
 public:
     void lock() {
-        for (uint32_t tries = 0; locked_.exchange(true, std::memory_order_acquire); ) {
+        for (uint32_t tries = 0; locked_.exchange(true, std::memory_order_acquire);) {
             while (locked_.load(std::memory_order_relaxed)) {
                 if (++tries % 64 == 0) {
                     std::this_thread::yield();
@@ -101,6 +101,47 @@ ResultCode usableQueue(const Queue &queue) {
     if (queue.event == 0) return RYN_FAILURE(kErrInvalidHandle);
     if (queue.storage == nullptr) return RYN_FAILURE(kErrFailed);
     return 0;
+}
+
+// Puts a record at the end of the queue; a full queue loses its oldest.
+ResultCode append(Queue &slot, const EventData &record) {
+    if (const ResultCode refused = usableQueue(slot)) return refused;
+    EventData *entry = nullptr;
+    if (slot.count >= slot.capacity) {
+        entry = slot.entries[slot.readIndex] != nullptr ? slot.entries[slot.readIndex] : &slot.storage[slot.readIndex];
+        slot.readIndex = advance(slot, slot.readIndex);
+    } else {
+        ++slot.count;
+        entry = &slot.storage[slot.writeIndex];
+    }
+    *entry = record;
+    slot.entries[slot.writeIndex] = entry;
+    slot.writeIndex = advance(slot, slot.writeIndex);
+    return 0;
+}
+
+// The queue's event and what is known of it (osa::EventLink), read under the
+// lock; the signal is given outside it.
+struct Signal {
+    OsaHandle event = 0;
+    osa::EventLink link;
+};
+
+Signal signalOf(const Queue &slot) { return {slot.event, slot.link}; }
+
+// An event that is signalled already costs a few reads; one that must be
+// woken, or was closed meanwhile, is looked up and held for the signal, which
+// then fails rather than stray. What was learnt goes back to the queue.
+ResultCode give(int32_t id, Signal signal) {
+    const osa::EventLink before = signal.link;
+    const bool signalled = osa::signalEvent(signal.event, signal.link);
+    if (signal.link.event != before.event || signal.link.incarnation != before.incarnation) {
+        withQueue(id, [&](Queue &slot) -> ResultCode {
+            if (slot.event == signal.event) slot.link = signal.link;
+            return 0;
+        });
+    }
+    return signalled ? 0 : RYN_FAILURE(kErrFailed);
 }
 
 }  // namespace
@@ -190,51 +231,6 @@ ResultCode RYN_DECORATED(RynGetAppEventDataEx, 16)(int32_t queue, EventData *rec
         return 0;
     });
 }
-
-namespace {
-
-// Puts a record at the end of the queue; a full queue loses its oldest.
-ResultCode append(Queue &slot, const EventData &record) {
-    if (const ResultCode refused = usableQueue(slot)) return refused;
-    EventData *entry = nullptr;
-    if (slot.count >= slot.capacity) {
-        entry = slot.entries[slot.readIndex] != nullptr ? slot.entries[slot.readIndex] : &slot.storage[slot.readIndex];
-        slot.readIndex = advance(slot, slot.readIndex);
-    } else {
-        ++slot.count;
-        entry = &slot.storage[slot.writeIndex];
-    }
-    *entry = record;
-    slot.entries[slot.writeIndex] = entry;
-    slot.writeIndex = advance(slot, slot.writeIndex);
-    return 0;
-}
-
-// The queue's event and what is known of it (osa::EventLink), read under the
-// lock; the signal is given outside it.
-struct Signal {
-    OsaHandle event = 0;
-    osa::EventLink link;
-};
-
-Signal signalOf(const Queue &slot) { return {slot.event, slot.link}; }
-
-// An event that is signalled already costs a few reads; one that must be
-// woken, or was closed meanwhile, is looked up and held for the signal, which
-// then fails rather than stray. What was learnt goes back to the queue.
-ResultCode give(int32_t id, Signal signal) {
-    const osa::EventLink before = signal.link;
-    const bool signalled = osa::signalEvent(signal.event, signal.link);
-    if (signal.link.event != before.event || signal.link.incarnation != before.incarnation) {
-        withQueue(id, [&](Queue &slot) -> ResultCode {
-            if (slot.event == signal.event) slot.link = signal.link;
-            return 0;
-        });
-    }
-    return signalled ? 0 : RYN_FAILURE(kErrFailed);
-}
-
-}  // namespace
 
 ResultCode RYN_DECORATED(RynQueueAppEventDataEx, 36)(int32_t queue, uint32_t w2, uint32_t w3, uint32_t w4, uint32_t w5,
                                                      uint32_t w6, uint32_t w7, uint32_t w0, uint32_t w1) {

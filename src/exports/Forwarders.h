@@ -11,7 +11,7 @@
 
 namespace ryn::exports {
 
-enum class Translation { None, Result, AttributeId, DeviceTypeIn, DeviceTypeOut, EventWord2, SpmId };
+enum class Translation { None, Result, AttributeId, DeviceTypeIn, DeviceTypeOut, EventWord2, RecordsWord2, SpmId };
 
 // The result and argument types of a decorated entry point, which has the
 // calling convention RYN_CALL.
@@ -61,6 +61,10 @@ ResultOf<Fn> forward(A... args) {
             } else if constexpr (T == Translation::EventWord2) {
                 if (EventData *record = std::get<1>(arguments); record != nullptr)
                     record->word[2] = translated(record->word[2], compatDeviceTypeFromDriver);
+            } else if constexpr (T == Translation::RecordsWord2) {
+                // The first record of an array the caller says holds at least one.
+                if (EventData *records = std::get<1>(arguments); records != nullptr && std::get<2>(arguments) >= 1)
+                    records->word[2] = translated(records->word[2], compatDeviceTypeFromDriver);
             }
             return compatResultCode(result);
         }

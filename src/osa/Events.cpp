@@ -81,8 +81,10 @@ bool signalEvent(OsaHandle handle, EventLink &link) {
     if (Event *event = link.event; event != nullptr && !event->closing()) {
         // The event found last time, if it is still that incarnation.
         switch (sys::signalInPlace(*event, link.incarnation)) {
-            case sys::InPlace::Done: return true;
-            case sys::InPlace::Stale: break;
+            case sys::InPlace::Done:
+                return true;
+            case sys::InPlace::Stale:
+                break;
             case sys::InPlace::NeedsCall:
                 event->enter();
                 if (!event->closing() && event->incarnation() == link.incarnation) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <tuple>
 
 #include "RynHwDll.h"
@@ -74,6 +75,9 @@ TEST_F(UndecoratedRows, TranslateArgumentsAndOutValues) {
     records[0].word[2] = u32(-30);  // as the driver would have written it
     EXPECT_EQ((std::pair{RynDrvGetEventDataEx(kDevice, records, 2, &value), records[0].word[2]}),
               std::pair(0u, u32(-32)));
+    // An array said to hold no record is not touched.
+    auto none = std::make_unique<uint8_t[]>(1);
+    RynDrvGetEventDataEx(kDevice, reinterpret_cast<EventData *>(none.get()), 0, &value);
 
     // Translated whatever the handle: the library pseudo-handle sees 10 as
     // 13, which it does not know, and the failure comes out reduced.

@@ -54,7 +54,7 @@ TEST(HandleLifetime, ReleaseWaitsForTheRequestsInFlight) {
     stop = true;
     callers.clear();
     EXPECT_EQ(closedUnderneath.load(), 0);
-    EXPECT_GT(refusedAfter.load(), 0);  // calls after the release fail, as without a connection
+    EXPECT_GT(refusedAfter.load(), 0);    // calls after the release fail, as without a connection
     EXPECT_EQ(RynDrvConnectLib_0(), 0u);  // and the name is free for the next connection
 }
 
