@@ -11,6 +11,9 @@
 //            the pool with the type it was made as;
 //   connect  the output of one object of the pool to the input of another,
 //            so that what generators play reaches detectors;
+//   play     samples through the blocks: a dial of digits the diallers
+//            know, a sequence, a generator's audio read out, or audio
+//            (input bytes or a pair of tones) handed to a detector;
 //   load     a DSP program load as the library makes it: hold, a program
 //            image by address (one of the library's built-in module images
 //            with words changed by the input, or words of the input), start;
@@ -27,9 +30,11 @@
 // is within the reply block, and a failed call leaves the reply untouched.
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <numbers>
 #include <vector>
 
 #include "Board.h"
@@ -160,6 +165,8 @@ public:
             } else if (kind < 28) {
                 load();
             } else if (kind < 40) {
+                play();
+            } else if (kind < 52) {  // connect: handle and port of each side
                 std::vector<uint8_t> body(32, 0);
                 put32(body, 16, handle());
                 put32(body, 20, in_.chance(14) ? 0 : in_.u8());
@@ -221,6 +228,68 @@ private:
             body.assign(24, 0);
         }
         exchange(controlCode(function), body, 16, {}, type);
+    }
+
+    // A handle of the pool of `type`, or any handle of the pool.
+    uint32_t ofType(int32_t type) {
+        for (const Known &k : pool_)
+            if (k.type == type && in_.chance(15)) return k.handle;
+        return handle();
+    }
+
+    void play() {
+        static constexpr char kDigits[] = "0123456789*#ABCDKS";
+        static constexpr int32_t kGenerators[] = {100, 102, 103, 104, 105, 106, 107, 120, 123, 127};
+        static constexpr int32_t kReceivers[] = {101, 110, 111, 112, 113, 114, 115, 116, 121, 122, 124, 125, 126, 128};
+        static constexpr uint32_t kHertz[] = {350, 425, 440, 480, 620, 697, 700, 770, 852, 900, 941, 1100, 1209,
+                                              1300, 1336, 1477, 1500, 1633, 1700, 2100, 2600};
+        const uint8_t what = in_.u8() % 5;
+        std::vector<uint8_t> body;
+        uint32_t function = 0, replyLength = 12;
+        if (what <= 1) {  // a dial: tone DTMF or MF dialler, telephony DTMF dialler
+            static constexpr uint32_t kDials[][2] = {{105, 0x9A0}, {106, 0x9B0}, {120, 0x99C}};
+            const auto &dial = kDials[in_.pick(3)];
+            function = dial[1];
+            body.assign(160, 0);
+            put32(body, 16, ofType(static_cast<int32_t>(dial[0])));
+            const uint32_t count = in_.u8() % 24;
+            for (uint32_t i = 0; i < count; ++i) body[20 + i] = static_cast<uint8_t>(kDigits[in_.pick(sizeof kDigits - 1)]);
+            put32(body, 148, count);
+        } else if (what == 2) {  // a sequence: value in the low half, hold in the high half
+            function = 0x9A2;
+            body.assign(544, 0);
+            put32(body, 16, ofType(RYN_VB_BLOCK_SEQUENCE_GENERATOR));
+            const uint32_t count = in_.u8() % 16;
+            for (uint32_t i = 0; i < count; ++i) put32(body, 20 + 4 * i, uint32_t{in_.u8()} << 20 | in_.u16());
+            put32(body, 532, count);
+            put32(body, 536, in_.u8() % 4);
+        } else if (what == 3) {  // a generator's audio, read as attribute 30
+            function = 0x818;
+            body.assign(28, 0);
+            put32(body, 16, ofType(kGenerators[in_.pick(std::size(kGenerators))]));
+            put32(body, 20, RYN_VB_ATTR_AUDIO_OUT);
+            const uint32_t capacity = 2 * (in_.u16() % 2048);
+            put32(body, 24, capacity);
+            replyLength = 17 + capacity;
+        } else {  // audio for a detector, set as attribute 31
+            function = 0x819;
+            std::vector<int16_t> samples(in_.u16() % 2048);
+            if (in_.chance(8)) {
+                in_.copy(samples.data(), 2 * samples.size());
+            } else {
+                const double low = kHertz[in_.pick(std::size(kHertz))], high = kHertz[in_.pick(std::size(kHertz))];
+                const double peak = 1000.0 + 56.0 * in_.u8(), step = 2 * std::numbers::pi / 8000;  // two tones fit 16 bits
+                for (size_t i = 0; i < samples.size(); ++i)
+                    samples[i] = static_cast<int16_t>(peak * (std::sin(step * low * double(i)) + std::sin(step * high * double(i))));
+            }
+            const auto bytes = static_cast<uint32_t>(2 * samples.size());
+            body.assign(29 + bytes, 0);
+            put32(body, 16, ofType(kReceivers[in_.pick(std::size(kReceivers))]));
+            put32(body, 20, RYN_VB_ATTR_AUDIO_IN);
+            put32(body, 24, bytes);
+            if (bytes != 0) std::memcpy(body.data() + 28, samples.data(), bytes);
+        }
+        exchange(controlCode(function), body, replyLength, {}, 0);
     }
 
     // The words of the first `count` blocks (command stream) or records
