@@ -7,7 +7,8 @@
 # harness.
 file(GLOB ryn_fuzz_board_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/drivers/virtual/*.cpp)
 ryn_add_fuzzer(board_dispatch SOURCES BoardDispatchFuzzer.cpp ${ryn_fuzz_board_sources}
-               INCLUDES ${CMAKE_SOURCE_DIR}/drivers/virtual)
+               INCLUDES ${CMAKE_SOURCE_DIR}/drivers/virtual ${CMAKE_SOURCE_DIR}/wire
+                        ${CMAKE_SOURCE_DIR}/data/spm)
 
 # replies: the library's reading of replies, against an in-process driver
 # that answers from the fuzz input. The link sends the library's calls of

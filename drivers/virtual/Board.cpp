@@ -14,7 +14,8 @@ constexpr uint64_t kUnixEpoch = 116444736000000000ull;
 
 Board::Board() {
     const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
-    start_ = kUnixEpoch + static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(sinceEpoch).count()) * 10;
+    start_ = kUnixEpoch +
+             static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(sinceEpoch).count()) * 10;
     buildDeviceTree(*this);
 }
 
@@ -35,7 +36,7 @@ Object *Board::findDevice(int32_t type, uint32_t id) {
     return it == objects_.end() ? nullptr : it->get();
 }
 
-Object &Board::create(uint32_t kind, int32_t type, Family family, uint32_t parent, std::string name) {
+Object &Board::create(uint32_t kind, int32_t type, const Family &family, uint32_t parent, std::string name) {
     auto object = std::make_unique<Object>();
     const uint32_t serial = allocateSerial(nextSerial_, serials_);
     if (serial == 0) throw std::length_error("no free handle serial");  // the request fails
@@ -44,14 +45,14 @@ Object &Board::create(uint32_t kind, int32_t type, Family family, uint32_t paren
     serials_.insert(serial);
     object->handle = kind | serial;
     object->type = type;
-    object->family = family;
+    object->family = &family;
     object->parent = parent;
     object->name = std::move(name);
+    if (family.newState != nullptr) object->data = family.newState(*object);
     if (kind == kKindPhysical) {
-        object->id = static_cast<uint32_t>(
-            std::count_if(objects_.begin(), objects_.end(), [&](const auto &o) {
-                return (o->handle & 0xF0000000u) == kKindPhysical && o->type == type;
-            }));
+        object->id = static_cast<uint32_t>(std::count_if(objects_.begin(), objects_.end(), [&](const auto &o) {
+            return (o->handle & 0xF0000000u) == kKindPhysical && o->type == type;
+        }));
     }
     objects_.push_back(std::move(object));
     return *objects_.back();
@@ -71,10 +72,10 @@ void Board::destroy(uint32_t handle) {
 
 bool Board::queueRecord(uint32_t queueHandle, const EventData &record) {
     Object *object = find(queueHandle);
-    if (object == nullptr || object->family != Family::EventQueue) return false;
+    if (object == nullptr || object->family != &kEventQueueFamily) return false;
     auto &queue = object->as<EventQueue>();
     if (queue.records.size() >= EventQueue::kCapacity) {
-        queue.records.erase(queue.records.begin());
+        queue.records.pop_front();
         ++queue.dropped;
     }
     queue.records.push_back(record);
@@ -94,34 +95,9 @@ void Board::post(const Object &source, uint32_t code, uint32_t value5, uint32_t 
     record.word[6] = value6;
     record.word[7] = value7;
     for (const auto &o : objects_) {
-        if (o->family != Family::EventQueue) continue;
+        if (o->family != &kEventQueueFamily) continue;
         const uint32_t wanted = o->as<EventQueue>().source;
         if (wanted == 0 || wanted == source.handle || wanted == source.parent) queueRecord(o->handle, record);
-    }
-}
-
-void Board::deliver(const Object &source, std::span<const int16_t> samples) {
-    // Follows connections from `source`, through pipes, to the blocks that
-    // take samples; a pipe is passed once, so a loop of pipes ends.
-    std::vector<uint32_t> visited{source.handle};
-    std::vector<uint32_t> pending{source.handle};
-    while (!pending.empty()) {
-        const uint32_t from = pending.back();
-        pending.pop_back();
-        for (size_t i = 0; i < connections.size(); ++i) {
-            const uint32_t to = connections[i].handleA == from ? connections[i].handleB : 0;
-            if (to == 0 || std::find(visited.begin(), visited.end(), to) != visited.end()) continue;
-            visited.push_back(to);
-            Object *target = find(to);
-            if (target == nullptr) continue;
-            if (target->family == Family::Pipe) {
-                pending.push_back(to);
-            } else if (target->family == Family::Tone) {
-                toneReceive(*this, *target, samples, source.handle);
-            } else if (target->family == Family::Telephony) {
-                telephonyReceive(*this, *target, samples, source.handle);
-            }
-        }
     }
 }
 
@@ -155,33 +131,60 @@ std::vector<uint8_t> wordValue(uint32_t value) {
 
 const char *eventText(uint32_t code) {
     switch (code) {
-        case kEventEnabled: return RYN_VB_EVENT_DEVICE_ENABLED_TEXT;
-        case kEventDisabled: return RYN_VB_EVENT_DEVICE_DISABLED_TEXT;
-        case kEventReset: return RYN_VB_EVENT_DEVICE_RESET_TEXT;
-        case kEventUser: return RYN_VB_EVENT_APPLICATION_TEXT;
-        case kEventLayer1Changed: return RYN_VB_EVENT_LAYER1_CHANGED_TEXT;
-        case kEventAlarmChanged: return RYN_VB_EVENT_ALARM_CHANGED_TEXT;
-        case kEventSignallingChanged: return RYN_VB_EVENT_SIGNALLING_CHANGED_TEXT;
-        case kEventHookChanged: return RYN_VB_EVENT_HOOK_CHANGED_TEXT;
-        case kEventRingStarted: return RYN_VB_EVENT_RINGING_STARTED_TEXT;
-        case kEventRingStopped: return RYN_VB_EVENT_RINGING_STOPPED_TEXT;
-        case kEventFrameReceived: return RYN_VB_EVENT_FRAME_RECEIVED_TEXT;
-        case kEventFrameSent: return RYN_VB_EVENT_FRAME_SENT_TEXT;
-        case kEventRawDataReceived: return RYN_VB_EVENT_RAW_DATA_RECEIVED_TEXT;
-        case kEventBurstDone: return RYN_VB_EVENT_BURST_DONE_TEXT;
-        case kEventProgramStarted: return RYN_VB_EVENT_PROGRAM_STARTED_TEXT;
-        case kEventProgramStopped: return RYN_VB_EVENT_PROGRAM_STOPPED_TEXT;
-        case kEventDtmfDigit: return RYN_VB_EVENT_DTMF_DIGIT_TEXT;
-        case kEventMfDigit: return RYN_VB_EVENT_MF_DIGIT_TEXT;
-        case kEventToneDetected: return RYN_VB_EVENT_TONE_DETECTED_TEXT;
-        case kEventToneEnded: return RYN_VB_EVENT_TONE_ENDED_TEXT;
-        case kEventCallProgress: return RYN_VB_EVENT_CALL_PROGRESS_TEXT;
-        case kEventSilence: return RYN_VB_EVENT_SILENCE_TEXT;
-        case kEventDialDone: return RYN_VB_EVENT_DIALLING_FINISHED_TEXT;
-        case kEventSequenceDone: return RYN_VB_EVENT_SEQUENCE_SENT_TEXT;
-        case kEventDataByte: return RYN_VB_EVENT_DATA_BYTE_TEXT;
-        case kEventCallerId: return RYN_VB_EVENT_CALLER_ID_TEXT;
-        default: return nullptr;
+        case kEventEnabled:
+            return RYN_VB_EVENT_DEVICE_ENABLED_TEXT;
+        case kEventDisabled:
+            return RYN_VB_EVENT_DEVICE_DISABLED_TEXT;
+        case kEventReset:
+            return RYN_VB_EVENT_DEVICE_RESET_TEXT;
+        case kEventUser:
+            return RYN_VB_EVENT_APPLICATION_TEXT;
+        case kEventLayer1Changed:
+            return RYN_VB_EVENT_LAYER1_CHANGED_TEXT;
+        case kEventAlarmChanged:
+            return RYN_VB_EVENT_ALARM_CHANGED_TEXT;
+        case kEventSignallingChanged:
+            return RYN_VB_EVENT_SIGNALLING_CHANGED_TEXT;
+        case kEventHookChanged:
+            return RYN_VB_EVENT_HOOK_CHANGED_TEXT;
+        case kEventRingStarted:
+            return RYN_VB_EVENT_RINGING_STARTED_TEXT;
+        case kEventRingStopped:
+            return RYN_VB_EVENT_RINGING_STOPPED_TEXT;
+        case kEventFrameReceived:
+            return RYN_VB_EVENT_FRAME_RECEIVED_TEXT;
+        case kEventFrameSent:
+            return RYN_VB_EVENT_FRAME_SENT_TEXT;
+        case kEventRawDataReceived:
+            return RYN_VB_EVENT_RAW_DATA_RECEIVED_TEXT;
+        case kEventBurstDone:
+            return RYN_VB_EVENT_BURST_DONE_TEXT;
+        case kEventProgramStarted:
+            return RYN_VB_EVENT_PROGRAM_STARTED_TEXT;
+        case kEventProgramStopped:
+            return RYN_VB_EVENT_PROGRAM_STOPPED_TEXT;
+        case kEventDtmfDigit:
+            return RYN_VB_EVENT_DTMF_DIGIT_TEXT;
+        case kEventMfDigit:
+            return RYN_VB_EVENT_MF_DIGIT_TEXT;
+        case kEventToneDetected:
+            return RYN_VB_EVENT_TONE_DETECTED_TEXT;
+        case kEventToneEnded:
+            return RYN_VB_EVENT_TONE_ENDED_TEXT;
+        case kEventCallProgress:
+            return RYN_VB_EVENT_CALL_PROGRESS_TEXT;
+        case kEventSilence:
+            return RYN_VB_EVENT_SILENCE_TEXT;
+        case kEventDialDone:
+            return RYN_VB_EVENT_DIALLING_FINISHED_TEXT;
+        case kEventSequenceDone:
+            return RYN_VB_EVENT_SEQUENCE_SENT_TEXT;
+        case kEventDataByte:
+            return RYN_VB_EVENT_DATA_BYTE_TEXT;
+        case kEventCallerId:
+            return RYN_VB_EVENT_CALLER_ID_TEXT;
+        default:
+            return nullptr;
     }
 }
 

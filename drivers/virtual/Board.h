@@ -10,19 +10,23 @@
 // reply's result offset.
 //
 // Each family keeps the state of its objects in a struct derived from
-// ObjectState, created on first use with Object::as<T>().
+// ObjectState, made with the object by its family (Families.h) and reached
+// with Object::as<T>().
 #pragma once
 
 #include <cstdint>
 #include <cstring>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <unordered_set>
 #include <vector>
 
+#include "LittleEndian.h"
 #include "RynHwDll.h"
 #include "RynUserDriver.h"
 #include "RynVirtualBoard.h"
@@ -37,13 +41,13 @@ inline constexpr uint32_t kSourceId = RYN_VB_SOURCE_ID;
 
 // Error numbers (the library's meanings).
 enum Error : uint32_t {
-    kNothingToRead = 1,  // a status, not a failure: an empty queue or receiver
-    kMalformed = 5,      // data not in the expected form (a corrupt DSP image)
-    kNotProvided = 6,    // a request this object does not answer
-    kOutOfRange = 9,     // an argument outside its range
-    kInvalidHandle = 11, // no such object, or an object of the wrong kind
-    kLengthMismatch = 12,// a request or reply block of the wrong length
-    kFailed = 13,        // the object is not in a state to do this
+    kNothingToRead = 1,    // a status, not a failure: an empty queue or receiver
+    kMalformed = 5,        // data not in the expected form (a corrupt DSP image)
+    kNotProvided = 6,      // a request this object does not answer
+    kOutOfRange = 9,       // an argument outside its range
+    kInvalidHandle = 11,   // no such object, or an object of the wrong kind
+    kLengthMismatch = 12,  // a request or reply block of the wrong length
+    kFailed = 13,          // the object is not in a state to do this
     kUnknownAttribute = 16,
     kNotAvailable = 17,  // e.g. a device type that the board does not have
 };
@@ -99,11 +103,7 @@ enum DeviceType : int32_t {
     kTypePipe = RYN_VB_DEVICE_PIPE,
 };
 
-// Which request table answers an object's requests.
-enum class Family {
-    Board, T1E1, Bri, Dsp, Hdlc, RawData, Burst, Pots, Slic, Jtag,
-    Tone, Telephony, DataMixer, DspPots, EventQueue, Pipe,
-};
+struct Family;  // Families.h
 
 inline constexpr uint32_t kKindPhysical = 0x10000000u;
 inline constexpr uint32_t kKindLogical = 0x20000000u;
@@ -111,7 +111,11 @@ inline constexpr uint32_t kKindQueue = 0x30000000u;
 inline constexpr uint32_t kKindPipe = 0x40000000u;
 
 // Driver state values (RynDrvGetState, attribute 4).
-enum State : uint32_t { kStateIdle = RYN_VB_STATE_IDLE, kStateEnabled = RYN_VB_STATE_ENABLED, kStateDisabled = RYN_VB_STATE_DISABLED };
+enum State : uint32_t {
+    kStateIdle = RYN_VB_STATE_IDLE,
+    kStateEnabled = RYN_VB_STATE_ENABLED,
+    kStateDisabled = RYN_VB_STATE_DISABLED
+};
 
 // Per-family state of one object.
 struct ObjectState {
@@ -121,19 +125,21 @@ struct ObjectState {
 struct Object {
     uint32_t handle = 0;
     int32_t type = 0;
-    uint32_t id = 0;  // number of the device among those of its type
-    Family family = Family::Board;
+    uint32_t id = 0;                 // number of the device among those of its type
+    const Family *family = nullptr;  // answers the object's requests
     std::string name;
     uint32_t parent = 0;  // a logical device's DSP, 0 for the rest
     uint32_t state = kStateIdle;
     uint32_t label = 0;  // attribute 5, the application's own value
     std::unique_ptr<ObjectState> data;
 
+    // The family's state of the object. Asking for a state of another kind
+    // is a fault of the board's own code: the request fails, and the state
+    // is left as it is.
     template <typename T>
-    T &as() {
-        if (auto *existing = dynamic_cast<T *>(data.get())) return *existing;
-        data = std::make_unique<T>();
-        return static_cast<T &>(*data);
+    T &as() const {
+        if (auto *state = dynamic_cast<T *>(data.get())) return *state;
+        throw std::logic_error("object state of another kind");
     }
 };
 
@@ -179,17 +185,16 @@ const char *eventText(uint32_t code);  // nullptr for an unknown code
 class Input {
 public:
     Input(const uint8_t *data, uint32_t length, const RynDriverBuffer *buffers, uint32_t bufferCount)
-        : data_(data), length_(length), buffers_(buffers), bufferCount_(bufferCount) {}
+        : reader_({data, length}), buffers_(buffers), bufferCount_(bufferCount) {}
 
-    uint32_t length() const { return length_; }
-    uint32_t u32(uint32_t offset) const { return read<uint32_t>(offset); }
-    int32_t i32(uint32_t offset) const { return static_cast<int32_t>(read<uint32_t>(offset)); }
-    uint16_t u16(uint32_t offset) const { return read<uint16_t>(offset); }
-    uint8_t u8(uint32_t offset) const { return read<uint8_t>(offset); }
+    uint32_t length() const { return static_cast<uint32_t>(reader_.size()); }
+    uint32_t u32(uint32_t offset) const { return reader_.u32(offset); }
+    int32_t i32(uint32_t offset) const { return static_cast<int32_t>(reader_.u32(offset)); }
+    uint16_t u16(uint32_t offset) const { return reader_.u16(offset); }
+    uint8_t u8(uint32_t offset) const { return reader_.u8(offset); }
     // `count` bytes from `offset`; empty when they do not lie inside the block.
     std::span<const uint8_t> bytes(uint32_t offset, uint32_t count) const {
-        if (offset > length_ || count > length_ - offset) return {};
-        return {data_ + offset, count};
+        return reader_.bytes(offset, count).value_or(std::span<const uint8_t>{});
     }
     // The caller buffer named by the address field at `offset` (a 1-based
     // reference into the request's buffer list, or the address itself in a
@@ -197,14 +202,7 @@ public:
     const RynDriverBuffer *buffer(uint32_t offset) const;
 
 private:
-    template <typename T>
-    T read(uint32_t offset) const {
-        T value{};
-        if (offset <= length_ && sizeof(T) <= length_ - offset) std::memcpy(&value, data_ + offset, sizeof(T));
-        return value;
-    }
-    const uint8_t *data_;
-    uint32_t length_;
+    wire::le::Reader reader_;
     const RynDriverBuffer *buffers_;
     uint32_t bufferCount_;
 };
@@ -212,19 +210,17 @@ private:
 // The reply block: writes outside it are dropped.
 class Output {
 public:
-    Output(uint8_t *data, uint32_t length) : data_(data), length_(length) {}
-    uint32_t length() const { return length_; }
-    Output &u32(uint32_t offset, uint32_t value) { return write(offset, &value, 4); }
-    Output &u16(uint32_t offset, uint16_t value) { return write(offset, &value, 2); }
-    Output &u8(uint32_t offset, uint8_t value) { return write(offset, &value, 1); }
+    Output(uint8_t *data, uint32_t length) : writer_({data, length}) {}
+    uint32_t length() const { return static_cast<uint32_t>(writer_.size()); }
+    Output &u32(uint32_t offset, uint32_t value) { return writer_.u32(offset, value), *this; }
+    Output &u16(uint32_t offset, uint16_t value) { return writer_.u16(offset, value), *this; }
+    Output &u8(uint32_t offset, uint8_t value) { return writer_.u8(offset, value), *this; }
     Output &write(uint32_t offset, const void *bytes, uint32_t count) {
-        if (offset <= length_ && count <= length_ - offset && count != 0) std::memcpy(data_ + offset, bytes, count);
-        return *this;
+        return writer_.write(offset, bytes, count), *this;
     }
 
 private:
-    uint8_t *data_;
-    uint32_t length_;
+    wire::le::Writer writer_;
 };
 
 class Board;
@@ -255,12 +251,27 @@ struct Row {
 
 using Table = std::span<const Row>;
 
+// The row of a request named in the protocol headers (wire/): function
+// number, lengths and result offset as the library sends and reads them.
+template <typename Wire>
+constexpr Row row(Handler handler, bool minimumLength = false) {
+    uint32_t resultOffset = kResultLast;
+    if constexpr (requires { Wire::kResult; }) resultOffset = Wire::kResult;
+    return Row{Wire::kFunction, Wire::kRequest, Wire::kReply, handler, resultOffset, minimumLength};
+}
+
 // A handler for the blocks of one type: the families whose block types share
 // one function-number space answer each request only for its own type.
 template <int32_t Type, Handler Answer>
 uint32_t only(Call &call) {
     return call.object->type == Type ? Answer(call) : VB_FAILURE(kNotProvided);
 }
+
+// A setting for which 0 asks for the default.
+inline uint32_t orDefault(uint32_t value, uint32_t fallback) { return value != 0 ? value : fallback; }
+
+// Whether an object runs: every state but disabled.
+inline bool running(const Object &object) { return object.state != kStateDisabled; }
 
 // A setting for which 0 asks for the default; nothing when it lies outside
 // low..high.
@@ -270,9 +281,9 @@ inline std::optional<uint32_t> setting(uint32_t value, uint32_t fallback, uint32
     return chosen;
 }
 
-// The request table of each family (one per family file).
+// The table of the device-core requests (Core.cpp); the families' tables
+// are in Families.h.
 Table coreTable();
-Table familyTable(Family family);
 
 // Attributes an object has beside the common ones (1 device type, 2 device
 // number, 3 name, 4 state, 5 label). A getter gets the caller's buffer
@@ -286,7 +297,6 @@ struct Attribute {
     std::vector<uint8_t> (*get)(Call &call, Object &object, uint32_t capacity);
     uint32_t (*set)(Call &call, Object &object, std::span<const uint8_t> value);  // nullptr: read-only
 };
-std::span<const Attribute> familyAttributes(Family family);
 
 // Helpers for attribute values.
 std::vector<uint8_t> textValue(const std::string &text);
@@ -313,7 +323,7 @@ public:
     Object *find(uint32_t handle);
     Object *findDevice(int32_t type, uint32_t id);  // a physical device
     const std::vector<std::unique_ptr<Object>> &objects() const { return objects_; }
-    Object &create(uint32_t kind, int32_t type, Family family, uint32_t parent, std::string name);
+    Object &create(uint32_t kind, int32_t type, const Family &family, uint32_t parent, std::string name);
     void destroy(uint32_t handle);
 
     // Queues a record for every queue that listens to `source` and signals
@@ -335,19 +345,13 @@ public:
     };
     std::vector<Connection> connections;
 
-    // Sample flow: a block that produces 8 kHz samples hands them on to every
-    // block its output is connected to, directly (source as the first handle
-    // of a logical-device connection) or through pipes, and the receiving
-    // family's sample sink runs them.
-    void deliver(const Object &source, std::span<const int16_t> samples);
-
     uint32_t registerValue(uint32_t handle, uint32_t offset) const;
     void setRegister(uint32_t handle, uint32_t offset, uint32_t value);
 
 private:
     std::vector<std::unique_ptr<Object>> objects_;
     std::vector<std::pair<uint64_t, uint32_t>> registers_;  // (handle << 32 | offset, value)
-    std::unordered_set<uint32_t> serials_;  // those of the objects alive (Serials.h)
+    std::unordered_set<uint32_t> serials_;                  // those of the objects alive (Serials.h)
     uint32_t nextSerial_ = 1;
     uint64_t start_;
     uint64_t offset_ = 0;
@@ -356,10 +360,10 @@ private:
 // The event queue of a queue object (kind 3).
 struct EventQueue : ObjectState {
     static constexpr size_t kCapacity = RYN_VB_EVENT_QUEUE_CAPACITY;
-    uint32_t source = 0;    // 0: every object
-    OsaHandle event = 0;    // the application's event object, 0 for none
-    std::vector<EventData> records;
-    uint32_t dropped = 0;   // records lost to a full queue
+    uint32_t source = 0;  // 0: every object
+    OsaHandle event = 0;  // the application's event object, 0 for none
+    std::deque<EventData> records;
+    uint32_t dropped = 0;  // records lost to a full queue
 };
 
 void buildDeviceTree(Board &board);

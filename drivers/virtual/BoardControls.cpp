@@ -3,10 +3,13 @@
 // its values; attributes read them back.
 #include <map>
 
+#include "BoardWire.h"
 #include "Families.h"
 
 namespace vb {
 namespace {
+
+using namespace wire::board;
 
 // Clock source: 0 the board's oscillator, 1 span 0's receive clock, 2 span
 // 1's, 3 the external reference; clock mode: 0 the board drives the bus
@@ -24,7 +27,7 @@ struct Controls : ObjectState {
 Controls &controlsOf(Call &call) { return call.object->as<Controls>(); }
 
 uint32_t setClocks(Call &call) {
-    const uint32_t source = call.in.u32(20), mode = call.in.u32(24);
+    const uint32_t source = call.in.u32(SetClocks::kParam1), mode = call.in.u32(SetClocks::kParam2);
     if (source > kSourceLast || mode > kClockModeLast) return VB_FAILURE(kOutOfRange);
     controlsOf(call).clockSource = source;
     controlsOf(call).clockMode = mode;
@@ -33,22 +36,22 @@ uint32_t setClocks(Call &call) {
 
 // Stream, time slot, then the byte that slot sends from now on.
 uint32_t tssConstByte(Call &call) {
-    const uint32_t stream = call.in.u32(20), slot = call.in.u32(24);
+    const uint32_t stream = call.in.u32(TssConstByte::kParam1), slot = call.in.u32(TssConstByte::kParam2);
     if (stream >= kStreams || slot >= kTimeSlots) return VB_FAILURE(kOutOfRange);
-    controlsOf(call).constants[stream * kTimeSlots + slot] = call.in.u8(28);
+    controlsOf(call).constants[stream * kTimeSlots + slot] = call.in.u8(TssConstByte::kValue);
     return 0;
 }
 
 uint32_t codecSetLaw(Call &call) {
-    if (call.in.u32(20) > kALaw) return VB_FAILURE(kOutOfRange);
-    controlsOf(call).law = call.in.u32(20);
+    if (call.in.u32(CodecSetLaw::kLaw) > kALaw) return VB_FAILURE(kOutOfRange);
+    controlsOf(call).law = call.in.u32(CodecSetLaw::kLaw);
     return 0;
 }
 
 constexpr Row kRows[] = {
-    {0x99A, 28, 12, setClocks},
-    {0x99B, 30, 12, tssConstByte},
-    {0x99C, 24, 12, codecSetLaw},
+    row<SetClocks>(setClocks),
+    row<TssConstByte>(tssConstByte),
+    row<CodecSetLaw>(codecSetLaw),
 };
 
 // Four bytes per constant slot, in stream and slot order: stream, slot, the
@@ -69,7 +72,6 @@ const Attribute kAttributes[] = {
 
 }  // namespace
 
-Table boardControlsTable() { return kRows; }
-std::span<const Attribute> boardControlsAttributes() { return kAttributes; }
+const Family kBoardFamily{"Board controls", kRows, kAttributes, makeState<Controls>};
 
 }  // namespace vb

@@ -6,7 +6,6 @@
 
 namespace vb {
 
-Table briTable() { return {}; }
-std::span<const Attribute> briAttributes() { return {}; }
+const Family kBriFamily{"BRI", {}, {}};
 
 }  // namespace vb

@@ -28,14 +28,16 @@
 // Attributes (32-bit, read-only): 100 bytes of the block waiting to be read
 // (0 for none), 101 blocks sent, 102 blocks overwritten unread, 103 the block
 // limit (4096), 104 bytes preloaded.
+#include "BurstWire.h"
 #include "Channels.h"
 
 namespace vb {
 namespace {
 
+using wire::burst::BlockSend;
+using wire::burst::ReadData;
+
 constexpr uint32_t kBlockLimit = RYN_VB_BURST_BLOCK_MAX;
-constexpr uint32_t kSendHead = 28;  // handle 16, param1 20, length 24, data 28
-constexpr uint32_t kReadHead = 32;  // count 8, values 12 and 20, result 28, data 32
 
 struct BurstChannel : ObjectState {
     std::vector<uint8_t> preload;
@@ -50,10 +52,10 @@ BurstChannel &channelOf(Object &object) { return object.as<BurstChannel>(); }
 
 // The block of a send or preload request, checked against its length field.
 uint32_t blockOf(Call &call, std::span<const uint8_t> &data) {
-    const uint32_t length = call.in.u32(24);
-    if (length != call.in.length() - kSendHead) return VB_FAILURE(kLengthMismatch);
+    const uint32_t length = call.in.u32(BlockSend::kLength);
+    if (length != call.in.length() - BlockSend::kData) return VB_FAILURE(kLengthMismatch);
     if (length > kBlockLimit) return VB_FAILURE(kOutOfRange);
-    data = call.in.bytes(kSendHead, length);
+    data = call.in.bytes(BlockSend::kData, length);
     return 0;
 }
 
@@ -72,10 +74,10 @@ uint32_t sendData(Call &call) {
     if (channel.full) ++channel.overwritten;
     channel.full = true;
     channel.time = call.board.now();
-    channel.param1 = call.in.u32(20);
+    channel.param1 = call.in.u32(BlockSend::kParam1);
     ++channel.sent;
     const auto count = static_cast<uint32_t>(channel.block.size());
-    call.out.u32(8, count);
+    call.out.u32(BlockSend::kReplyCount, count);
     call.board.post(*call.object, kEventBurstDone, count, channel.param1);
     return 0;
 }
@@ -85,32 +87,36 @@ uint32_t initSendBuffer(Call &call) {
     std::span<const uint8_t> data;
     if (const uint32_t refused = blockOf(call, data)) return refused;
     channelOf(*call.object).preload.assign(data.begin(), data.end());
-    call.out.u32(8, static_cast<uint32_t>(data.size()));
+    call.out.u32(BlockSend::kReplyCount, static_cast<uint32_t>(data.size()));
     return 0;
 }
 
-// param1 20, capacity 24; the reply block holds capacity + 32 bytes.
+// The reply block holds the fixed part and the capacity after it.
 uint32_t readData(Call &call) {
     if (channel::disabled(*call.object)) return VB_FAILURE(kFailed);
-    const uint32_t capacity = call.in.u32(24);
-    if (uint64_t{capacity} + kReadHead > call.out.length()) return VB_FAILURE(kLengthMismatch);
+    const uint32_t capacity = call.in.u32(ReadData::kCapacity);
+    if (uint64_t{capacity} + ReadData::kReplyData > call.out.length()) return VB_FAILURE(kLengthMismatch);
     BurstChannel &channel = channelOf(*call.object);
     if (!channel.full) return VB_STATUS(kNothingToRead);
     const auto count = static_cast<uint32_t>(channel.block.size());
     if (count > capacity) return VB_FAILURE(kOutOfRange);
     const uint64_t param1 = channel.param1;
-    call.out.u32(8, count).write(12, &channel.time, 8).write(20, &param1, 8);
-    call.out.write(kReadHead, channel.block.data(), count);
-    call.replyLength = kReadHead + count;
+    call.out.u32(ReadData::kReplyCount, count);
+    call.out.write(ReadData::kReplyValue1, &channel.time, ReadData::kValueBytes);
+    call.out.write(ReadData::kReplyValue2, &param1, ReadData::kValueBytes);
+    call.out.write(ReadData::kReplyData, channel.block.data(), count);
+    call.replyLength = ReadData::kReplyData + count;
     channel.full = false;
     channel.block.clear();
     return 0;
 }
 
+// The sends carry their data after the fixed part: their length is the
+// least a request may have.
 constexpr Row kBurst[] = {
-    {0x99A, kSendHead, 16, sendData, kResultLast, true},
-    {0x99B, 28, kReadHead, readData},
-    {0x99C, kSendHead, 16, initSendBuffer, kResultLast, true},
+    row<wire::burst::SendData>(sendData, true),
+    row<ReadData>(readData),
+    row<wire::burst::InitSendBuffer>(initSendBuffer, true),
 };
 
 std::vector<uint8_t> waiting(Call &, Object &object, uint32_t) {
@@ -134,7 +140,6 @@ const Attribute kAttributes[] = {
 
 }  // namespace
 
-Table burstTable() { return kBurst; }
-std::span<const Attribute> burstAttributes() { return kAttributes; }
+const Family kBurstFamily{"Burst channel", kBurst, kAttributes, makeState<BurstChannel>};
 
 }  // namespace vb

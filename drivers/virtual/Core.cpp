@@ -4,36 +4,23 @@
 #include <algorithm>
 #include <array>
 
+#include "CoreWire.h"
 #include "Families.h"
 
 namespace vb {
 namespace {
+
+using namespace wire::core;
+using wire::kHandle;
+static_assert(sizeof(EventData) == kRecordSize, "an event record travels whole");
 
 constexpr const char *kDriverVersion = RYN_VB_DRIVER_VERSION_TEXT;
 constexpr const char *kBoardName = RYN_VB_BOARD_NAME_TEXT;
 constexpr uint32_t kBlocksPerDsp = RYN_VB_BLOCKS_PER_DSP;
 constexpr size_t kObjectLimit = 4096;  // pipes and event queues beside the devices and blocks
 constexpr uint32_t kPipeDataLimit = 512;
-constexpr uint32_t kEventTextBytes = 256;
 
 uint32_t kindOf(uint32_t handle) { return handle & 0xF0000000u; }
-
-// The family of a signal-processing block type; false when the type is not one.
-bool blockFamily(int32_t type, Family &family) {
-    if (type >= kTypeConstValueGenerator && type <= kTypeSingleDetector) {
-        family = Family::Tone;
-    } else if (type >= kTypeTelephonyFirst && type <= kTypeTelephonyLast) {
-        family = Family::Telephony;
-    } else if (type == kTypeDataMixer) {
-        family = Family::DataMixer;
-    } else if (type == kTypeDspPots) {
-        family = Family::DspPots;
-    } else {
-        return false;
-    }
-    // the gap in the tone numbering, between the generators and the detectors
-    return type <= kTypeSequenceGenerator || type >= kTypeSilenceDetector;
-}
 
 // ---- Enumeration and handles ----------------------------------------------
 
@@ -48,10 +35,9 @@ std::vector<int32_t> childTypes(Board &board, uint32_t parent) {
         return types;
     }
     Object *object = board.find(parent);
-    if (object == nullptr || object->family != Family::Dsp) return types;
-    Family family;
+    if (object == nullptr || object->family != &kDspFamily) return types;
     for (int32_t type = kTypeConstValueGenerator; type <= kTypeDspPots; ++type)
-        if (blockFamily(type, family)) types.push_back(type);
+        if (blockFamily(type) != nullptr) types.push_back(type);
     return types;
 }
 
@@ -69,54 +55,60 @@ std::vector<Object *> children(Board &board, uint32_t parent, int32_t type) {
 template <typename List, typename Value>
 uint32_t enumerate(Call &call, const List &list, uint32_t iterator, Value value) {
     if (iterator >= list.size()) {
-        call.out.u32(12, 0xFFFFFFFFu);
+        call.out.u32(Enumeration::kReplyIterator, 0xFFFFFFFFu);
         return VB_FAILURE(kOutOfRange);
     }
-    call.out.u32(8, static_cast<uint32_t>(value(list[iterator])));
-    call.out.u32(12, iterator + 1 < list.size() ? iterator + 1 : 0xFFFFFFFFu);
+    call.out.u32(Enumeration::kReplyElement, static_cast<uint32_t>(value(list[iterator])));
+    call.out.u32(Enumeration::kReplyIterator, iterator + 1 < list.size() ? iterator + 1 : 0xFFFFFFFFu);
     return 0;
 }
 
 uint32_t enumDeviceType(Call &call) {
-    const uint32_t parent = call.in.u32(16);
+    const uint32_t parent = call.in.u32(EnumDeviceType::kParent);
     if (parent != 0 && call.board.find(parent) == nullptr) return VB_FAILURE(kInvalidHandle);
-    return enumerate(call, childTypes(call.board, parent), call.in.u32(20), [](int32_t type) { return type; });
+    return enumerate(call, childTypes(call.board, parent), call.in.u32(EnumDeviceType::kIterator),
+                     [](int32_t type) { return type; });
 }
 
 uint32_t enumDevice(Call &call) {
-    const uint32_t parent = call.in.u32(16);
+    const uint32_t parent = call.in.u32(EnumDevice::kParent);
     if (parent != 0 && call.board.find(parent) == nullptr) return VB_FAILURE(kInvalidHandle);
-    return enumerate(call, children(call.board, parent, call.in.i32(20)), call.in.u32(24),
-                     [](const Object *o) { return o->id; });
+    return enumerate(call, children(call.board, parent, call.in.i32(EnumDevice::kDeviceType)),
+                     call.in.u32(EnumDevice::kIterator), [](const Object *o) { return o->id; });
 }
 
 uint32_t getDeviceHandle(Call &call) {
-    const uint32_t parent = call.in.u32(12);
-    const auto found = children(call.board, parent, call.in.i32(16));
-    const uint32_t id = call.in.u32(20);
+    const uint32_t parent = call.in.u32(GetDeviceHandle::kParent);
+    const auto found = children(call.board, parent, call.in.i32(GetDeviceHandle::kDeviceType));
+    const uint32_t id = call.in.u32(GetDeviceHandle::kDeviceId);
     auto it = std::find_if(found.begin(), found.end(), [&](const Object *o) { return o->id == id; });
     if (it == found.end()) return VB_FAILURE(kNotAvailable);
-    call.out.u32(8, (*it)->handle);
+    call.out.u32(GetDeviceHandle::kReplyHandle, (*it)->handle);
     return 0;
 }
 
+// The board's devices open by device type (param1) and number (param2).
 uint32_t openPhysicalDevice(Call &call) {
-    Object *device = call.board.findDevice(call.in.i32(16), call.in.u32(20));
+    using W = OpenPhysicalDevice;
+    Object *device = call.board.findDevice(call.in.i32(W::kParam1), call.in.u32(W::kParam2));
     if (device == nullptr) return VB_FAILURE(kNotAvailable);
-    call.out.u32(8, device->handle);
+    call.out.u32(W::kReplyHandle, device->handle);
     return 0;
 }
 
 uint32_t openPhysicalDeviceEx(Call &call) {
-    return call.board.findDevice(call.in.i32(16), call.in.u32(20)) != nullptr ? 0 : VB_FAILURE(kNotAvailable);
+    using W = OpenPhysicalDeviceEx;
+    return call.board.findDevice(call.in.i32(W::kParam1), call.in.u32(W::kParam2)) != nullptr
+               ? 0
+               : VB_FAILURE(kNotAvailable);
 }
 
 uint32_t createLogicalDevice(Call &call) {
-    Object *dsp = call.board.find(call.in.u32(16));
-    if (dsp == nullptr || dsp->family != Family::Dsp) return VB_FAILURE(kInvalidHandle);
-    const int32_t type = call.in.i32(20);
-    Family family;
-    if (!blockFamily(type, family)) return VB_FAILURE(kNotAvailable);
+    Object *dsp = call.board.find(call.in.u32(kHandle));
+    if (dsp == nullptr || dsp->family != &kDspFamily) return VB_FAILURE(kInvalidHandle);
+    const int32_t type = call.in.i32(CreateLogicalDevice::kDeviceType);
+    const Family *family = blockFamily(type);
+    if (family == nullptr) return VB_FAILURE(kNotAvailable);
     if (children(call.board, dsp->handle, type).size() >= kBlocksPerDsp) return VB_FAILURE(kFailed);
     uint32_t used = 0;
     for (const auto &o : call.board.objects()) used += o->parent == dsp->handle;
@@ -124,24 +116,22 @@ uint32_t createLogicalDevice(Call &call) {
     const auto siblings = children(call.board, dsp->handle, type);
     uint32_t id = 0;
     while (std::any_of(siblings.begin(), siblings.end(), [&](const Object *o) { return o->id == id; })) ++id;
-    Object &block = call.board.create(kKindLogical, type, family, dsp->handle, dsp->name + " block");
+    Object &block = call.board.create(kKindLogical, type, *family, dsp->handle, dsp->name + " block");
     block.id = id;
-    call.out.u32(8, block.handle);
+    call.out.u32(CreateLogicalDevice::kReplyHandle, block.handle);
     return 0;
 }
 
 uint32_t createPipe(Call &call) {
     if (call.board.objects().size() >= kObjectLimit) return VB_FAILURE(kFailed);
-    Object &pipe = call.board.create(kKindPipe, kTypePipe, Family::Pipe, 0, "Pipe");
-    call.out.u32(8, pipe.handle);
+    Object &pipe = call.board.create(kKindPipe, kTypePipe, kPipeFamily, 0, "Pipe");
+    call.out.u32(CreatePipe::kReplyHandle, pipe.handle);
     return 0;
 }
 
 // ---- Connections ----------------------------------------------------------
 
-bool connectable(Object *object) {
-    return object != nullptr && object->family != Family::EventQueue;
-}
+bool connectable(Object *object) { return object != nullptr && object->family != &kEventQueueFamily; }
 
 uint32_t connect(Board &board, uint32_t handleA, uint32_t portA, uint32_t handleB, uint32_t portB) {
     if (handleA == handleB) return VB_FAILURE(kOutOfRange);
@@ -154,13 +144,16 @@ uint32_t connect(Board &board, uint32_t handleA, uint32_t portA, uint32_t handle
 }
 
 uint32_t connectLogicalDevice(Call &call) {
-    const uint32_t a = call.in.u32(16), b = call.in.u32(24);
+    using W = ConnectLogicalDevice;
+    const uint32_t a = call.in.u32(W::kHandleA), b = call.in.u32(W::kHandleB);
     if (!connectable(call.board.find(a)) || !connectable(call.board.find(b))) return VB_FAILURE(kInvalidHandle);
-    return connect(call.board, a, call.in.u32(20), b, call.in.u32(28));
+    return connect(call.board, a, call.in.u32(W::kPortA), b, call.in.u32(W::kPortB));
 }
 
 uint32_t disconnectLogicalDevice(Call &call) {
-    const uint32_t a = call.in.u32(16), pa = call.in.u32(20), b = call.in.u32(24), pb = call.in.u32(28);
+    using W = DisconnectLogicalDevice;
+    const uint32_t a = call.in.u32(W::kHandleA), pa = call.in.u32(W::kPortA), b = call.in.u32(W::kHandleB),
+                   pb = call.in.u32(W::kPortB);
     const size_t removed = std::erase_if(call.board.connections, [&](const Board::Connection &c) {
         return c.handleA == a && c.portA == pa && c.handleB == b && c.portB == pb;
     });
@@ -168,26 +161,27 @@ uint32_t disconnectLogicalDevice(Call &call) {
 }
 
 uint32_t connectPipe(Call &call) {
-    Object *pipe = call.board.find(call.in.u32(16));
-    Object *device = call.board.find(call.in.u32(24));
-    if (pipe == nullptr || pipe->family != Family::Pipe) return VB_FAILURE(kInvalidHandle);
+    Object *pipe = call.board.find(call.in.u32(ConnectPipe::kPipe));
+    Object *device = call.board.find(call.in.u32(ConnectPipe::kDevice));
+    if (pipe == nullptr || pipe->family != &kPipeFamily) return VB_FAILURE(kInvalidHandle);
     if (device == nullptr || kindOf(device->handle) != kKindPhysical) return VB_FAILURE(kInvalidHandle);
-    if (call.in.u32(544) > kPipeDataLimit) return VB_FAILURE(kOutOfRange);
-    return connect(call.board, pipe->handle, call.in.u32(20), device->handle, call.in.u32(28));
+    if (call.in.u32(ConnectPipe::kDataLength) > kPipeDataLimit) return VB_FAILURE(kOutOfRange);
+    return connect(call.board, pipe->handle, call.in.u32(ConnectPipe::kPortA), device->handle,
+                   call.in.u32(ConnectPipe::kPortB));
 }
 
 uint32_t disconnectPipe(Call &call) {
-    const uint32_t pipe = call.in.u32(16), port = call.in.u32(20);
+    const uint32_t pipe = call.in.u32(DisconnectPipe::kPipe), port = call.in.u32(DisconnectPipe::kPort);
     Object *object = call.board.find(pipe);
-    if (object == nullptr || object->family != Family::Pipe) return VB_FAILURE(kInvalidHandle);
-    const size_t removed = std::erase_if(call.board.connections, [&](const Board::Connection &c) {
-        return c.handleA == pipe && c.portA == port;
-    });
+    if (object == nullptr || object->family != &kPipeFamily) return VB_FAILURE(kInvalidHandle);
+    const size_t removed = std::erase_if(
+        call.board.connections, [&](const Board::Connection &c) { return c.handleA == pipe && c.portA == port; });
     return removed != 0 ? 0 : VB_FAILURE(kFailed);
 }
 
 uint32_t connectBoard(Call &call) {
-    return call.board.find(call.in.u32(16)) != nullptr && call.board.find(call.in.u32(20)) != nullptr
+    return call.board.find(call.in.u32(ConnectBoard::kHandleA)) != nullptr &&
+                   call.board.find(call.in.u32(ConnectBoard::kHandleB)) != nullptr
                ? 0
                : VB_FAILURE(kInvalidHandle);
 }
@@ -196,7 +190,7 @@ uint32_t connectBoard(Call &call) {
 
 template <uint32_t State, uint32_t Event>
 uint32_t setState(Call &call) {
-    Object *object = call.board.find(call.in.u32(16));
+    Object *object = call.board.find(call.in.u32(kHandle));
     if (object == nullptr) return VB_FAILURE(kInvalidHandle);
     object->state = State;
     call.board.post(*object, Event);
@@ -204,15 +198,15 @@ uint32_t setState(Call &call) {
 }
 
 uint32_t getState(Call &call) {
-    Object *object = call.board.find(call.in.u32(16));
+    Object *object = call.board.find(call.in.u32(kHandle));
     if (object == nullptr) return VB_FAILURE(kInvalidHandle);
-    call.out.u32(8, object->state);
+    call.out.u32(GetState::kReplyState, object->state);
     return 0;
 }
 
 // A reset returns the object's family state to its start.
 uint32_t reset(Call &call) {
-    Object *object = call.board.find(call.in.u32(16));
+    Object *object = call.board.find(call.in.u32(kHandle));
     if (object == nullptr) return VB_FAILURE(kInvalidHandle);
     resetState(call.board, *object);
     object->state = kStateIdle;
@@ -223,7 +217,7 @@ uint32_t reset(Call &call) {
 // Blocks, pipes and queues end with their close; the board's devices stay
 // and return to their start.
 uint32_t close(Call &call) {
-    Object *object = call.board.find(call.in.u32(16));
+    Object *object = call.board.find(call.in.u32(kHandle));
     if (object == nullptr) return VB_FAILURE(kInvalidHandle);
     if (kindOf(object->handle) == kKindPhysical) {
         resetState(call.board, *object);
@@ -246,26 +240,35 @@ struct Value {
 
 Value driverAttribute(int32_t id) {
     switch (id) {
-        case RYN_VB_ATTR_DRIVER_VERSION: return {0, RYN_VB_VALUE_TEXT, textValue(kDriverVersion)};
-        case RYN_VB_ATTR_BOARD_NAME: return {0, RYN_VB_VALUE_TEXT, textValue(kBoardName)};
-        default: return {VB_FAILURE(kUnknownAttribute), 0, {}};
+        case RYN_VB_ATTR_DRIVER_VERSION:
+            return {0, RYN_VB_VALUE_TEXT, textValue(kDriverVersion)};
+        case RYN_VB_ATTR_BOARD_NAME:
+            return {0, RYN_VB_VALUE_TEXT, textValue(kBoardName)};
+        default:
+            return {VB_FAILURE(kUnknownAttribute), 0, {}};
     }
 }
 
 const Attribute *familyAttribute(const Object &object, int32_t id) {
-    for (const Attribute &a : familyAttributes(object.family))
+    for (const Attribute &a : attributesOf(object))
         if (a.id == id) return &a;
     return nullptr;
 }
 
 Value objectAttribute(Call &call, Object &object, int32_t id, uint32_t capacity) {
     switch (id) {
-        case RYN_VB_ATTR_DEVICE_TYPE: return {0, RYN_VB_VALUE_UINT32, wordValue(static_cast<uint32_t>(object.type))};
-        case RYN_VB_ATTR_DEVICE_NUMBER: return {0, RYN_VB_VALUE_UINT32, wordValue(object.id)};
-        case RYN_VB_ATTR_NAME: return {0, RYN_VB_VALUE_TEXT, textValue(object.name)};
-        case RYN_VB_ATTR_STATE: return {0, RYN_VB_VALUE_UINT32, wordValue(object.state)};
-        case RYN_VB_ATTR_LABEL: return {0, RYN_VB_VALUE_UINT32, wordValue(object.label)};
-        default: break;
+        case RYN_VB_ATTR_DEVICE_TYPE:
+            return {0, RYN_VB_VALUE_UINT32, wordValue(static_cast<uint32_t>(object.type))};
+        case RYN_VB_ATTR_DEVICE_NUMBER:
+            return {0, RYN_VB_VALUE_UINT32, wordValue(object.id)};
+        case RYN_VB_ATTR_NAME:
+            return {0, RYN_VB_VALUE_TEXT, textValue(object.name)};
+        case RYN_VB_ATTR_STATE:
+            return {0, RYN_VB_VALUE_UINT32, wordValue(object.state)};
+        case RYN_VB_ATTR_LABEL:
+            return {0, RYN_VB_VALUE_UINT32, wordValue(object.label)};
+        default:
+            break;
     }
     if (const Attribute *a = familyAttribute(object, id)) {
         Value value{0, a->type, a->get(call, object, capacity)};
@@ -283,17 +286,19 @@ Value attribute(Call &call, uint32_t handle, int32_t id, uint32_t capacity) {
 }
 
 uint32_t getAttributeType(Call &call) {
+    using W = GetAttributeType;
     // The size of a value the caller sizes itself is reported as 0.
-    const Value value = attribute(call, call.in.u32(16), call.in.i32(20), 0);
+    const Value value = attribute(call, call.in.u32(kHandle), call.in.i32(W::kAttribute), 0);
     if (failed(value.result)) return value.result;
     const bool settable = [&] {
-        if (call.in.u32(16) == 0) return false;
-        Object *object = call.board.find(call.in.u32(16));
-        if (call.in.i32(20) == RYN_VB_ATTR_LABEL) return true;
-        const Attribute *a = familyAttribute(*object, call.in.i32(20));
+        if (call.in.u32(kHandle) == 0) return false;
+        Object *object = call.board.find(call.in.u32(kHandle));
+        if (call.in.i32(W::kAttribute) == RYN_VB_ATTR_LABEL) return true;
+        const Attribute *a = familyAttribute(*object, call.in.i32(W::kAttribute));
         return a != nullptr && a->set != nullptr;
     }();
-    call.out.u32(8, value.type).u32(12, static_cast<uint32_t>(value.bytes.size())).u32(16, settable ? RYN_VB_ACCESS_SETTABLE : RYN_VB_ACCESS_READ_ONLY);
+    call.out.u32(W::kReplyType, value.type).u32(W::kReplySize, static_cast<uint32_t>(value.bytes.size()));
+    call.out.u32(W::kReplyFlags, settable ? RYN_VB_ACCESS_SETTABLE : RYN_VB_ACCESS_READ_ONLY);
     return 0;
 }
 
@@ -302,30 +307,30 @@ uint32_t getAttributeType(Call &call) {
 // refused with error 9 and its size reported, and nothing of it is copied.
 // The reply's length is what was written: the header, and the value when it
 // was copied.
-constexpr uint32_t kValueOffset = 16;
-constexpr uint32_t kValueOverhead = 17;
-
 uint32_t getAttributeValue(Call &call) {
-    const uint32_t capacity = call.in.u32(24);
+    using W = GetAttributeValue;
+    const uint32_t capacity = call.in.u32(W::kBufferLength);
     // Summed in 64 bits: the block may be shorter than the overhead (the row
     // asks for 16 bytes), and a capacity near 2^32 must not wrap.
-    if (uint64_t{capacity} + kValueOverhead > call.out.length()) return VB_FAILURE(kLengthMismatch);
-    const Value value = attribute(call, call.in.u32(16), call.in.i32(20), capacity);
+    if (uint64_t{capacity} + W::kReplyOverhead > call.out.length()) return VB_FAILURE(kLengthMismatch);
+    const Value value = attribute(call, call.in.u32(kHandle), call.in.i32(W::kAttribute), capacity);
     if (failed(value.result)) return value.result;
     const uint32_t size = static_cast<uint32_t>(value.bytes.size());
-    call.out.u32(12, size);
+    call.out.u32(W::kReplySize, size);
     if (size > capacity) return VB_FAILURE(kOutOfRange);
-    call.out.write(kValueOffset, value.bytes.data(), size);
-    call.replyLength = kValueOffset + size;
+    call.out.write(W::kReplyValue, value.bytes.data(), size);
+    call.replyLength = W::kReplyValue + size;
     return 0;
 }
 
 uint32_t setAttributeValue(Call &call) {
-    const uint32_t handle = call.in.u32(16);
-    const int32_t id = call.in.i32(20);
-    const uint32_t length = call.in.u32(24);
-    if (length > call.in.length() - 29 || call.in.length() - 29 != length) return VB_FAILURE(kLengthMismatch);
-    const auto value = call.in.bytes(28, length);
+    using W = SetAttributeValue;
+    const uint32_t handle = call.in.u32(kHandle);
+    const int32_t id = call.in.i32(W::kAttribute);
+    const uint32_t length = call.in.u32(W::kValueLength);
+    if (length > call.in.length() - W::kRequestOverhead || call.in.length() - W::kRequestOverhead != length)
+        return VB_FAILURE(kLengthMismatch);
+    const auto value = call.in.bytes(W::kValue, length);
     if (handle == 0) return driverAttribute(id).result == 0 ? VB_FAILURE(kFailed) : VB_FAILURE(kUnknownAttribute);
     Object *object = call.board.find(handle);
     if (object == nullptr) return VB_FAILURE(kInvalidHandle);
@@ -343,25 +348,26 @@ uint32_t setAttributeValue(Call &call) {
 
 // ---- Events ---------------------------------------------------------------
 
+// param1: the source (a handle, 0 for every object), param2: the event object.
 uint32_t createEventQueue(Call &call) {
-    const uint32_t source = call.in.u32(16);
+    const uint32_t source = call.in.u32(CreateEventQueue::kParam1);
     if (source != 0 && call.board.find(source) == nullptr) return VB_FAILURE(kInvalidHandle);
     if (call.board.objects().size() >= kObjectLimit) return VB_FAILURE(kFailed);
-    Object &queue = call.board.create(kKindQueue, kTypeEventQueue, Family::EventQueue, 0, "Event queue");
+    Object &queue = call.board.create(kKindQueue, kTypeEventQueue, kEventQueueFamily, 0, "Event queue");
     auto &state = queue.as<EventQueue>();
     state.source = source;
-    state.event = call.in.u32(20);
-    call.out.u32(8, queue.handle);
+    state.event = call.in.u32(CreateEventQueue::kParam2);
+    call.out.u32(CreateEventQueue::kReplyHandle, queue.handle);
     return 0;
 }
 
 EventQueue *queueOf(Board &board, uint32_t handle) {
     Object *object = board.find(handle);
-    return object != nullptr && object->family == Family::EventQueue ? &object->as<EventQueue>() : nullptr;
+    return object != nullptr && object->family == &kEventQueueFamily ? &object->as<EventQueue>() : nullptr;
 }
 
 uint32_t pollEvents(Call &call) {
-    Object *object = call.board.find(call.in.u32(16));
+    Object *object = call.board.find(call.in.u32(kHandle));
     if (object == nullptr) return VB_FAILURE(kInvalidHandle);
     if (EventQueue *queue = queueOf(call.board, object->handle); queue && !queue->records.empty() && queue->event != 0)
         RynDrvSignalEvent(queue->event);
@@ -369,26 +375,27 @@ uint32_t pollEvents(Call &call) {
 }
 
 uint32_t getEventData(Call &call) {
-    EventQueue *queue = queueOf(call.board, call.in.u32(16));
+    EventQueue *queue = queueOf(call.board, call.in.u32(kHandle));
     if (queue == nullptr) return VB_FAILURE(kInvalidHandle);
     if (queue->records.empty()) return VB_STATUS(kNothingToRead);
-    call.out.write(8, &queue->records.front(), sizeof(EventData));
-    queue->records.erase(queue->records.begin());
+    call.out.write(GetEventData::kReplyRecord, &queue->records.front(), kRecordSize);
+    queue->records.pop_front();
     return 0;
 }
 
-// Up to param3 records into the caller's array; the count comes back at 8.
+// Up to param3 records into the caller's array; the count comes back.
 uint32_t getEventDataEx(Call &call) {
-    EventQueue *queue = queueOf(call.board, call.in.u32(16));
+    EventQueue *queue = queueOf(call.board, call.in.u32(kHandle));
     if (queue == nullptr) return VB_FAILURE(kInvalidHandle);
-    const RynDriverBuffer *array = call.in.buffer(20);
+    const RynDriverBuffer *array = call.in.buffer(GetEventDataEx::kRecords);
     if (array == nullptr || array->address == nullptr) return VB_FAILURE(kOutOfRange);
-    const size_t room = std::min<size_t>(call.in.u32(24), array->length / sizeof(EventData));
+    const size_t room = std::min<size_t>(call.in.u32(GetEventDataEx::kCount), array->length / sizeof(EventData));
     const size_t count = std::min(room, queue->records.size());
-    // A queue that never held a record has no storage: data() is null then.
-    if (count != 0) std::memcpy(array->address, queue->records.data(), count * sizeof(EventData));
+    auto *records = static_cast<uint8_t *>(array->address);
+    for (size_t i = 0; i < count; ++i)
+        std::memcpy(records + i * sizeof(EventData), &queue->records[i], sizeof(EventData));
     queue->records.erase(queue->records.begin(), queue->records.begin() + static_cast<std::ptrdiff_t>(count));
-    call.out.u32(8, static_cast<uint32_t>(count));
+    call.out.u32(GetEventDataEx::kReplyCount, static_cast<uint32_t>(count));
     return count != 0 ? 0 : VB_STATUS(kNothingToRead);
 }
 
@@ -396,22 +403,22 @@ uint32_t getEventDataEx(Call &call) {
 // posted from the object to every queue that listens to it.
 template <bool WithTime>
 uint32_t setEventData(Call &call) {
-    const uint32_t handle = call.in.u32(16);
+    const uint32_t handle = call.in.u32(kHandle);
     Object *object = call.board.find(handle);
     if (object == nullptr) return VB_FAILURE(kInvalidHandle);
     EventData record{};
-    for (uint32_t word = 0; word < 8; ++word) record.word[word] = call.in.u32(20 + 4 * word);
+    for (uint32_t word = 0; word < 8; ++word) record.word[word] = call.in.u32(EventRecordShape::kRecord + 4 * word);
     if (!WithTime) {
         const uint64_t time = call.board.now();
         record.word[0] = static_cast<uint32_t>(time);
         record.word[1] = static_cast<uint32_t>(time >> 32);
     }
-    if (object->family == Family::EventQueue) {
+    if (object->family == &kEventQueueFamily) {
         call.board.queueRecord(handle, record);
         return 0;
     }
     for (const auto &o : call.board.objects()) {
-        if (o->family != Family::EventQueue) continue;
+        if (o->family != &kEventQueueFamily) continue;
         const uint32_t source = o->as<EventQueue>().source;
         if (source == 0 || source == handle) call.board.queueRecord(o->handle, record);
     }
@@ -419,9 +426,10 @@ uint32_t setEventData(Call &call) {
 }
 
 uint32_t eventCode2String(Call &call) {
-    const char *text = eventText(call.in.u32(24));
+    using W = EventCode2String;
+    const char *text = eventText(call.in.u32(W::kEventCode));
     if (text == nullptr) return VB_FAILURE(kOutOfRange);
-    call.out.write(8, text, static_cast<uint32_t>(std::min<size_t>(std::strlen(text), kEventTextBytes - 1)));
+    call.out.write(W::kReplyText, text, static_cast<uint32_t>(std::min<size_t>(std::strlen(text), W::kTextSize - 1)));
     return 0;
 }
 
@@ -429,37 +437,41 @@ uint32_t eventCode2String(Call &call) {
 
 template <uint32_t Mask>
 uint32_t readRegister(Call &call) {
-    const uint32_t handle = call.in.u32(16);
+    const uint32_t handle = call.in.u32(kHandle);
     if (handle != 0 && call.board.find(handle) == nullptr) return VB_FAILURE(kInvalidHandle);
-    call.out.u32(8, call.board.registerValue(handle, call.in.u32(20)) & Mask);
+    call.out.u32(RegisterRead::kReplyValue,
+                 call.board.registerValue(handle, call.in.u32(RegisterRead::kRegister)) & Mask);
     return 0;
 }
 
 template <uint32_t Mask>
 uint32_t writeRegister(Call &call) {
-    const uint32_t handle = call.in.u32(16);
+    const uint32_t handle = call.in.u32(kHandle);
     if (handle != 0 && call.board.find(handle) == nullptr) return VB_FAILURE(kInvalidHandle);
-    if ((call.in.u32(24) & ~Mask) != 0) return VB_FAILURE(kOutOfRange);
-    call.board.setRegister(handle, call.in.u32(20), call.in.u32(24));
+    if ((call.in.u32(RegisterWrite::kValue) & ~Mask) != 0) return VB_FAILURE(kOutOfRange);
+    call.board.setRegister(handle, call.in.u32(RegisterWrite::kRegister), call.in.u32(RegisterWrite::kValue));
     return 0;
 }
 
 uint32_t currentTime(Call &call) {
     const uint64_t time = call.board.now();
-    call.out.write(8, &time, 8);
+    static_assert(sizeof time == GetCurrentTime::kTimeSize);
+    call.out.write(GetCurrentTime::kReplyTime, &time, GetCurrentTime::kTimeSize);
     return 0;
 }
 
-// The text of a result code, written into the caller's buffer (address at
-// 28, length at 24).
+// The text of a result code, written into the caller's buffer (its address
+// and length in the request).
 uint32_t resultCode2String(Call &call) {
-    const RynDriverBuffer *buffer = call.in.buffer(28);
-    const uint32_t length = std::min(call.in.u32(24), buffer != nullptr ? buffer->length : 0u);
+    using W = ResultCode2String;
+    const RynDriverBuffer *buffer = call.in.buffer(W::kText);
+    const uint32_t length = std::min(call.in.u32(W::kTextLength), buffer != nullptr ? buffer->length : 0u);
     if (buffer == nullptr || buffer->address == nullptr || length == 0) return VB_FAILURE(kOutOfRange);
-    const uint32_t code = call.in.u32(20);
+    const uint32_t code = call.in.u32(W::kResultCode);
     char text[96];
-    std::snprintf(text, sizeof text, "%s: source 0x%02X, line %u, error %u", (code & 0x80000000u) ? "failure" : "status",
-                  (code >> 23) & 0xFFu, (code >> 8) & 0x7FFFu, code & 0xFFu);
+    std::snprintf(text, sizeof text, "%s: source 0x%02X, line %u, error %u",
+                  (code & 0x80000000u) ? "failure" : "status", (code >> 23) & 0xFFu, (code >> 8) & 0x7FFFu,
+                  code & 0xFFu);
     if (code == 0) std::snprintf(text, sizeof text, "success");
     const size_t count = std::min<size_t>(std::strlen(text), length - 1);
     std::memcpy(buffer->address, text, count);
@@ -468,44 +480,44 @@ uint32_t resultCode2String(Call &call) {
 }
 
 constexpr Row kCore[] = {
-    {0x80A, 24, 20, enumDeviceType},
-    {0x80B, 28, 20, enumDevice},
-    {0x80C, 28, 12, setState<kStateEnabled, kEventEnabled>},
-    {0x80D, 28, 12, setState<kStateDisabled, kEventDisabled>},
-    {0x80E, 20, 12, reset},
-    {0x80F, 548, 12, connectPipe},
-    {0x810, 24, 12, disconnectPipe},
-    {0x811, 20, 12, close},
-    {0x812, 28, 268, eventCode2String},
-    {0x813, 32, 12, connectLogicalDevice},
-    {0x814, 32, 12, disconnectLogicalDevice},
-    {0x815, 20, 12, accept},
-    {0x816, 20, 16, getState},
-    {0x817, 24, 24, getAttributeType},
-    {0x818, 28, 16, getAttributeValue, 8},  // the value area is left as the caller sent it
-    {0x819, 29, 12, setAttributeValue, kResultLast, true},
-    {0x81A, 24, 12, accept},
-    {0x81B, 32, 12, resultCode2String},
-    {0x81C, 24, 16, readRegister<0xFFu>},
-    {0x81D, 24, 16, readRegister<0xFFFFu>},
-    {0x81E, 28, 12, writeRegister<0xFFu>},
-    {0x81F, 28, 12, writeRegister<0xFFFFu>},
-    {0x820, 24, 12, connectBoard},
-    {0x821, 28, 12, writeRegister<0xFFFFFFFFu>},
-    {0x822, 24, 16, readRegister<0xFFFFFFFFu>},
-    {0x86E, 24, 12, accept},
-    {0x870, 24, 12, getDeviceHandle, 4},
-    {0x871, 36, 16, openPhysicalDevice},
-    {0x872, 36, 16, createLogicalDevice},
-    {0x873, 28, 16, createEventQueue},
-    {0x874, 24, 16, createPipe},
-    {0x875, 20, 12, pollEvents},
-    {0x877, 20, 20, currentTime},
-    {0x878, 28, 12, openPhysicalDeviceEx},
-    {0x8D2, 52, 12, setEventData<false>},
-    {0x8D3, 20, 44, getEventData},
-    {0x8D4, 28, 16, getEventDataEx},
-    {0x8D5, 52, 12, setEventData<true>},
+    row<EnumDeviceType>(enumDeviceType),
+    row<EnumDevice>(enumDevice),
+    row<Enable>(setState<kStateEnabled, kEventEnabled>),
+    row<Disable>(setState<kStateDisabled, kEventDisabled>),
+    row<Reset>(reset),
+    row<ConnectPipe>(connectPipe),
+    row<DisconnectPipe>(disconnectPipe),
+    row<Close>(close),
+    row<EventCode2String>(eventCode2String),
+    row<ConnectLogicalDevice>(connectLogicalDevice),
+    row<DisconnectLogicalDevice>(disconnectLogicalDevice),
+    row<StartWatchdogTimer>(accept),
+    row<GetState>(getState),
+    row<GetAttributeType>(getAttributeType),
+    row<GetAttributeValue>(getAttributeValue),  // the value area is left as the caller sent it
+    row<SetAttributeValue>(setAttributeValue, true),
+    row<DbgDump>(accept),
+    row<ResultCode2String>(resultCode2String),
+    row<ReadReg8>(readRegister<0xFFu>),
+    row<ReadReg16>(readRegister<0xFFFFu>),
+    row<WriteReg8>(writeRegister<0xFFu>),
+    row<WriteReg16>(writeRegister<0xFFFFu>),
+    row<ConnectBoard>(connectBoard),
+    row<WriteReg32>(writeRegister<0xFFFFFFFFu>),
+    row<ReadReg32>(readRegister<0xFFFFFFFFu>),
+    row<ConnectLib>(accept),
+    row<GetDeviceHandle>(getDeviceHandle),
+    row<OpenPhysicalDevice>(openPhysicalDevice),
+    row<CreateLogicalDevice>(createLogicalDevice),
+    row<CreateEventQueue>(createEventQueue),
+    row<CreatePipe>(createPipe),
+    row<PollEvents>(pollEvents),
+    row<GetCurrentTime>(currentTime),
+    row<OpenPhysicalDeviceEx>(openPhysicalDeviceEx),
+    row<SetEventData>(setEventData<false>),
+    row<GetEventData>(getEventData),
+    row<GetEventDataEx>(getEventDataEx),
+    row<SetEventDataEx>(setEventData<true>),
 };
 
 }  // namespace

@@ -7,13 +7,18 @@
 // transfer block (0: 160; 1..1024). The board's sample flow does not pass
 // through this block, so it keeps its settings for the application to read:
 // attributes set up (0 or 1), conversion and block length.
+#include "DataMixerWire.h"
 #include "Families.h"
 
 namespace vb {
 namespace {
 
-constexpr uint32_t kParam1 = 20, kParam2 = 24;
-enum Conversion : uint32_t { kLinear = RYN_VB_CONVERT_LINEAR, kMuLaw = RYN_VB_CONVERT_MU_LAW, kALaw = RYN_VB_CONVERT_A_LAW };
+using wire::data_mixer::ConverterInit;
+enum Conversion : uint32_t {
+    kLinear = RYN_VB_CONVERT_LINEAR,
+    kMuLaw = RYN_VB_CONVERT_MU_LAW,
+    kALaw = RYN_VB_CONVERT_A_LAW
+};
 constexpr uint32_t kDefaultBlock = 160, kLargestBlock = 1024;
 
 struct Converter : ObjectState {
@@ -23,8 +28,9 @@ struct Converter : ObjectState {
 };
 
 uint32_t converterInit(Call &call) {
-    const uint32_t conversion = call.in.u32(kParam1);
-    const uint32_t block = call.in.u32(kParam2) == 0 ? kDefaultBlock : call.in.u32(kParam2);
+    const uint32_t conversion = call.in.u32(ConverterInit::kParam1);
+    const uint32_t block =
+        call.in.u32(ConverterInit::kParam2) == 0 ? kDefaultBlock : call.in.u32(ConverterInit::kParam2);
     if (conversion > kALaw || block > kLargestBlock) return VB_FAILURE(kOutOfRange);
     auto &converter = call.object->as<Converter>();
     converter.setUp = 1;
@@ -34,7 +40,7 @@ uint32_t converterInit(Call &call) {
 }
 
 constexpr Row kRows[] = {
-    {0x99A, 28, 12, converterInit},
+    row<ConverterInit>(converterInit),
 };
 
 const Attribute kAttributes[] = {
@@ -45,7 +51,8 @@ const Attribute kAttributes[] = {
 
 }  // namespace
 
-Table dataMixerTable() { return kRows; }
-std::span<const Attribute> dataMixerAttributes() { return kAttributes; }
+bool makesDataMixer(int32_t type) { return type == kTypeDataMixer; }
+
+const Family kDataMixerFamily{"Data converter", kRows, kAttributes, makeState<Converter>, nullptr, makesDataMixer};
 
 }  // namespace vb

@@ -3,6 +3,7 @@
 // lock and storing its result code.
 #include <algorithm>
 
+#include "CoreWire.h"
 #include "Families.h"
 
 namespace vb {
@@ -19,63 +20,8 @@ const RynDriverBuffer *Input::buffer(uint32_t offset) const {
     }
 }
 
-Table familyTable(Family family) {
-    switch (family) {
-        case Family::Board: return boardControlsTable();
-        case Family::T1E1: return t1e1Table();
-        case Family::Bri: return briTable();
-        case Family::Dsp: return dspTable();
-        case Family::Hdlc: return hdlcTable();
-        case Family::RawData: return rawDataTable();
-        case Family::Burst: return burstTable();
-        case Family::Pots: return potsTable();
-        case Family::Slic: return slicTable();
-        case Family::Jtag: return jtagTable();
-        case Family::Tone: return toneTable();
-        case Family::Telephony: return telephonyTable();
-        case Family::DataMixer: return dataMixerTable();
-        case Family::DspPots: return dspPotsTable();
-        case Family::EventQueue:
-        case Family::Pipe: return {};
-    }
-    return {};
-}
-
-std::span<const Attribute> familyAttributes(Family family) {
-    switch (family) {
-        case Family::Board: return boardControlsAttributes();
-        case Family::T1E1: return t1e1Attributes();
-        case Family::Bri: return briAttributes();
-        case Family::Dsp: return dspAttributes();
-        case Family::Hdlc: return hdlcAttributes();
-        case Family::RawData: return rawDataAttributes();
-        case Family::Burst: return burstAttributes();
-        case Family::Pots: return potsAttributes();
-        case Family::Slic: return slicAttributes();
-        case Family::Jtag: return jtagAttributes();
-        case Family::Tone: return toneAttributes();
-        case Family::Telephony: return telephonyAttributes();
-        case Family::DataMixer: return dataMixerAttributes();
-        case Family::DspPots: return dspPotsAttributes();
-        case Family::EventQueue:
-        case Family::Pipe: return {};
-    }
-    return {};
-}
-
-void resetState(Board &board, Object &object) {
-    switch (object.family) {
-        case Family::Dsp: return dspReset(board, object);
-        case Family::T1E1: return t1e1Reset(board, object);
-        case Family::EventQueue: return;  // a queue keeps its records and its listener
-        default: object.data.reset();
-    }
-}
-
 namespace {
 
-constexpr uint32_t kCoreFirst = 0x80A;
-constexpr uint32_t kCoreLast = 0x8D5;
 constexpr uint32_t kSmallestReply = 12;
 
 // A failure answered without running the request: the code goes where the
@@ -99,7 +45,8 @@ const Row *findRow(Table table, uint32_t function) {
 
 int answer(Board &board, const RynDriverRequest &request, uint32_t *returned) {
     if (request.output == nullptr || request.outputLength < kSmallestReply) return 0;
-    if (request.input == nullptr && request.inputLength != 0) return refuse(request, VB_FAILURE(kLengthMismatch), returned);
+    if (request.input == nullptr && request.inputLength != 0)
+        return refuse(request, VB_FAILURE(kLengthMismatch), returned);
     const Input in(static_cast<const uint8_t *>(request.input), request.inputLength, request.buffers,
                    request.bufferCount);
     if ((request.code & 0xFFFF0003u) != 0x220000u) return refuse(request, VB_FAILURE(kNotProvided), returned);
@@ -108,13 +55,13 @@ int answer(Board &board, const RynDriverRequest &request, uint32_t *returned) {
     std::lock_guard<std::mutex> guard(board.lock);
     Object *object = nullptr;
     Table table;
-    if (function >= kCoreFirst && function <= kCoreLast) {
+    if (function >= wire::core::kFirstFunction && function <= wire::core::kLastFunction) {
         table = coreTable();
     } else {
         if (in.length() < 20) return refuse(request, VB_FAILURE(kLengthMismatch), returned);
         object = board.find(in.u32(16));
         if (object == nullptr) return refuse(request, VB_FAILURE(kInvalidHandle), returned);
-        table = familyTable(object->family);
+        table = object->family->rows;
     }
     const Row *row = findRow(table, function);
     if (row == nullptr) return refuse(request, VB_FAILURE(kNotProvided), returned);
@@ -186,6 +133,4 @@ constexpr RynUserDriver kDriver{RYN_USER_DRIVER_ABI, openDevice, controlDevice, 
 }  // namespace
 }  // namespace vb
 
-extern "C" __attribute__((visibility("default"))) const RynUserDriver *RynUserDriverEntry(void) {
-    return &vb::kDriver;
-}
+extern "C" __attribute__((visibility("default"))) const RynUserDriver *RynUserDriverEntry(void) { return &vb::kDriver; }

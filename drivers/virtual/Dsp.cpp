@@ -18,10 +18,18 @@
 #include <map>
 #include <optional>
 
+#include "DspImage.h"
+#include "DspWire.h"
 #include "Families.h"
+#include "LittleEndian.h"
 
 namespace vb {
 namespace {
+
+using wire::dsp::BlockWrite, wire::dsp::CancelLoad, wire::dsp::Hold, wire::dsp::LoadImage, wire::dsp::Message;
+using wire::dsp::QueryDspType, wire::dsp::ReadData, wire::dsp::ReadHostPort, wire::dsp::RestartProgram;
+using wire::dsp::StartProgram, wire::dsp::WriteHostPort;
+namespace image = wire::dsp_image;
 
 // ---- The board's DSPs and modules ----------------------------------------
 
@@ -33,17 +41,16 @@ constexpr uint32_t kByteAddressedType = RYN_VB_DSP_TYPE_BYTE;
 uint32_t dspType(const Object &dsp) { return dsp.id < std::size(kDspTypes) ? kDspTypes[dsp.id] : kDspTypes[0]; }
 bool byteAddressed(const Object &dsp) { return dspType(dsp) == kByteAddressedType; }
 
-// The built-in modules this board knows: a program started at a module's
-// entry address on a DSP of the module's type is that module.
+// The built-in modules this board knows (the module table the library's
+// images are made from): a program started at a module's entry address on a
+// DSP of the module's type is that module.
 struct Module {
     uint32_t module, dspType, entry;
 };
 constexpr Module kModules[] = {
-    {0, 1, 0x7E16},   {0, 2, 0x35F9},  {0, 3, 0x68CC},  {0, 4, 0x2A8E8},  {1, 1, 0x7C51},  {1, 2, 0x3F15},
-    {1, 3, 0x6A39},   {1, 4, 0x2B257}, {1, 5, 0x1724D}, {2, 1, 0x7C8D},   {3, 1, 0x7AE2},  {4, 1, 0x7AD1},
-    {4, 2, 0x2DAA},   {4, 3, 0x4D7D},  {4, 4, 0x5D8A},  {4, 5, 0x17C5D},  {5, 4, 0x29ECF}, {5, 5, 0x188A5},
-    {6, 1, 0x78DE},   {10, 1, 0x501A}, {10, 3, 0x4EA7}, {10, 4, 0x28ED2}, {11, 3, 0x6747}, {11, 4, 0x2B271},
-    {11, 5, 0x1751F}, {12, 2, 0x3A37}, {13, 2, 0x3BB6},
+#define RYN_SPM_MODULE(module, type, form, length, entry, text) {module, type, entry},
+#include "ModuleTable.inc"
+#undef RYN_SPM_MODULE
 };
 constexpr uint32_t kNoModule = RYN_VB_DSP_NO_MODULE;
 
@@ -152,102 +159,36 @@ void load(DspState &state, uint32_t page, uint32_t address, uint16_t unit) {
 
 // ---- Request layouts ---------------------------------------------------------
 
-constexpr uint32_t kMaxWordsPerBlock = 128;
-constexpr uint32_t kMaxBytesPerBlock = 256;
-constexpr uint32_t kFileStaging = 0x1004;  // word blocks of a program file
-constexpr uint32_t kImageStaging = 0;      // word records of an image
-constexpr uint32_t kImagePage = 10;
-
-// Block write: 20 staging value, 24 count, 28 address, 32 page, 36 data.
-constexpr uint32_t kBlockData = 36;
-// Message: 20 message length (command word and input), 24 output size, 28 and
-// 32 two values the commands do not use, 36 command, 38 input. Reply: 8 result,
-// 12 answer length, 14 answer.
-constexpr uint32_t kMessageBytes = 1984;
-constexpr uint32_t kMessageInput = 38;
-constexpr uint32_t kAnswerLength = 12;
-constexpr uint32_t kAnswer = 14;
+constexpr uint32_t kMaxWordsPerBlock = BlockWrite::kDataBytes / 2;
+constexpr uint32_t kMaxBytesPerBlock = BlockWrite::kDataBytes;
+constexpr uint32_t kMessageBytes = Message::kMessageBytes;
 // The host-port window: device registers of the DSP, one 16-bit register a unit.
 constexpr uint32_t kHostPortWindow = 0x1000;
 constexpr uint32_t kHostPortUnits = 64;
 
 // ---- Images ------------------------------------------------------------------
 
-// An image in the caller's memory, read as 16-bit little-endian words.
-class Words {
-public:
-    explicit Words(std::span<const uint8_t> bytes) : bytes_(bytes) {}
-    size_t size() const { return bytes_.size() / 2; }
-    uint16_t operator[](size_t i) const { return static_cast<uint16_t>(bytes_[2 * i] | bytes_[2 * i + 1] << 8); }
-    bool pair(size_t at, uint16_t tag, uint16_t value) const { return (*this)[at] == tag && (*this)[at + 1] == value; }
-
-private:
-    std::span<const uint8_t> bytes_;
-};
-
-// One block of a command stream at `at`: (0x0004, 0x0FFF), four set-up pairs
-// (page 0: 0, address, count - 1, 0x1004; page 1: 1, 0x1004, count - 1,
-// address), one (0x0002, word) per data word, (0x0000, 0x0808), (0xFFFF,
-// 0xFFFF). Loads it and gives the position after it, or nothing when it is
-// malformed.
-constexpr uint16_t kDataTag = 0x0002;
-constexpr uint32_t kBlockFrameWords = 14;
-
-std::optional<size_t> streamBlock(DspState &state, const Words &image, size_t at) {
-    if (image.size() - at < kBlockFrameWords || !image.pair(at, 0x0004, 0x0FFF)) return std::nullopt;
-    for (size_t pair = at + 2; pair < at + 10; pair += 2)
-        if (image[pair] != kDataTag) return std::nullopt;
-    const uint16_t selector = image[at + 3];
-    const uint16_t fixed = selector == 0 ? image[at + 9] : image[at + 5];
-    const uint32_t address = selector == 0 ? image[at + 5] : image[at + 9];
-    const uint32_t count = uint32_t{image[at + 7]} + 1;
-    if (selector > 1 || fixed != kFileStaging || count > kMaxWordsPerBlock || address + count > 0x10000)
-        return std::nullopt;
-    const size_t data = at + 10, close = data + 2 * count;
-    if (image.size() - at < kBlockFrameWords + 2 * count) return std::nullopt;
-    if (!image.pair(close, 0x0000, 0x0808) || !image.pair(close + 2, 0xFFFF, 0xFFFF)) return std::nullopt;
-    for (uint32_t i = 0; i < count; ++i)
-        if (image[data + 2 * i] != kDataTag) return std::nullopt;
-    for (uint32_t i = 0; i < count; ++i) load(state, selector, address + i, image[data + 2 * i + 1]);
-    return close + 4;
-}
-
-uint32_t loadCommandStream(DspState &state, const Words &image) {
-    if (image.size() == 0) return VB_FAILURE(kMalformed);
-    for (size_t at = 0; at < image.size();) {
-        const std::optional<size_t> next = streamBlock(state, image, at);
-        if (!next) return VB_FAILURE(kMalformed);
-        at = *next;
+// A command stream: each block is loaded once it was read whole; a malformed
+// block refuses the image.
+uint32_t loadCommandStream(DspState &state, std::span<const uint16_t> words) {
+    if (words.empty()) return VB_FAILURE(kMalformed);
+    for (image::StreamReader stream(words); !stream.done();) {
+        const std::optional<image::Block> block = stream.next();
+        if (!block) return VB_FAILURE(kMalformed);
+        for (uint32_t i = 0; i < block->count; ++i) load(state, block->page, block->address + i, block->word(i));
     }
     return 0;
 }
 
-// A record image: 0x54AB, 0x6D2E, 0x1010, 0x1C1C, the record version (1 word
-// records, 2 byte records), then records of address and count (each high half
-// first) and the data, ending exactly at the image's length.
-constexpr uint16_t kRecordMagic[] = {0x54AB, 0x6D2E, 0x1010, 0x1C1C};
-constexpr uint32_t kRecordHeaderWords = 5;
-constexpr uint32_t kRecordFieldWords = 4;
-
-uint32_t loadRecords(DspState &state, const Words &image, uint16_t version) {
-    if (image.size() < kRecordHeaderWords || image[4] != version) return VB_FAILURE(kMalformed);
-    for (size_t i = 0; i < std::size(kRecordMagic); ++i)
-        if (image[i] != kRecordMagic[i]) return VB_FAILURE(kMalformed);
-    const bool bytes = version == 2;
-    for (size_t at = kRecordHeaderWords; at != image.size();) {
-        if (image.size() - at < kRecordFieldWords) return VB_FAILURE(kMalformed);
-        const uint32_t address = uint32_t{image[at]} << 16 | image[at + 1];
-        const uint32_t count = uint32_t{image[at + 2]} << 16 | image[at + 3];
-        const size_t words = bytes ? (size_t{count} + 1) / 2 : count;
-        at += kRecordFieldWords;
-        if (count == 0 || count > (bytes ? kMaxBytesPerBlock : kMaxWordsPerBlock) || words > image.size() - at ||
-            !inside(address, count))
-            return VB_FAILURE(kMalformed);
-        for (uint32_t i = 0; i < count; ++i) {
-            const uint16_t word = image[at + (bytes ? i / 2 : i)];
-            load(state, kProgramPage, address + i, bytes ? static_cast<uint8_t>(i % 2 ? word >> 8 : word) : word);
-        }
-        at += words;
+// A record image of byte records: records of no units or past the address
+// space refuse it as well.
+uint32_t loadRecords(DspState &state, std::span<const uint16_t> words) {
+    std::optional<image::RecordReader> records = image::RecordReader::open(words);
+    if (!records || !records->bytes()) return VB_FAILURE(kMalformed);
+    while (!records->done()) {
+        const std::optional<image::Record> record = records->next();
+        if (!record || record->count == 0 || !inside(record->address, record->count)) return VB_FAILURE(kMalformed);
+        for (uint32_t i = 0; i < record->count; ++i) load(state, kProgramPage, record->address + i, record->unit(i));
     }
     return 0;
 }
@@ -274,20 +215,20 @@ uint32_t blockWrite(Call &call) {
     Object &dsp = *call.object;
     DspState &state = stateOf(dsp);
     if (state.program != Program::Loading) return VB_FAILURE(kFailed);
-    const uint32_t staging = call.in.u32(20), count = call.in.u32(24), address = call.in.u32(28);
-    const uint32_t page = call.in.u32(32);
+    const uint32_t staging = call.in.u32(BlockWrite::kStaging), count = call.in.u32(BlockWrite::kCount);
+    const uint32_t address = call.in.u32(BlockWrite::kAddress), page = call.in.u32(BlockWrite::kPage);
     const bool bytes = byteAddressed(dsp);
-    const bool framed =
-        bytes ? staging == 0 && page == 0
-              : (staging == kFileStaging && page != kImagePage) || (staging == kImageStaging && page == kImagePage);
+    const bool framed = bytes ? staging == 0 && page == 0
+                              : (staging == BlockWrite::kFileStaging && page != BlockWrite::kImagePage) ||
+                                    (staging == BlockWrite::kImageStaging && page == BlockWrite::kImagePage);
     const std::optional<uint32_t> memory = memoryPage(dsp, page);
     if (!framed || !memory || count == 0 || count > (bytes ? kMaxBytesPerBlock : kMaxWordsPerBlock) ||
         !inside(address, count))
         return abandon(call, VB_FAILURE(kMalformed));
-    const std::span<const uint8_t> data = call.in.bytes(kBlockData, bytes ? count : 2 * count);
+    const std::span<const uint8_t> data = call.in.bytes(BlockWrite::kData, bytes ? count : 2 * count);
     if (data.empty()) return abandon(call, VB_FAILURE(kMalformed));
     for (uint32_t i = 0; i < count; ++i)
-        load(state, *memory, address + i, bytes ? data[i] : static_cast<uint16_t>(data[2 * i] | data[2 * i + 1] << 8));
+        load(state, *memory, address + i, bytes ? data[i] : wire::le::load16(&data[2 * i]));
     return 0;
 }
 
@@ -297,12 +238,15 @@ uint32_t loadImage(Call &call) {
     Object &dsp = *call.object;
     DspState &state = stateOf(dsp);
     if (state.program != Program::Loading) return VB_FAILURE(kFailed);
-    const RynDriverBuffer *buffer = call.in.buffer(20);
-    const uint32_t bytes = 2u * call.in.u16(24);
-    if (buffer == nullptr || buffer->address == nullptr || bytes > buffer->length)
+    const RynDriverBuffer *buffer = call.in.buffer(LoadImage::kImage);
+    const uint32_t length = call.in.u16(LoadImage::kLength);
+    if (buffer == nullptr || buffer->address == nullptr || 2u * length > buffer->length)
         return abandon(call, VB_FAILURE(kOutOfRange));
-    const Words image({static_cast<const uint8_t *>(buffer->address), bytes});
-    const uint32_t result = byteAddressed(dsp) ? loadRecords(state, image, 2) : loadCommandStream(state, image);
+    // The image in the caller's memory, as 16-bit little-endian words.
+    std::vector<uint16_t> words(length);
+    for (uint32_t i = 0; i < length; ++i)
+        words[i] = wire::le::load16(static_cast<const uint8_t *>(buffer->address) + 2 * i);
+    const uint32_t result = byteAddressed(dsp) ? loadRecords(state, words) : loadCommandStream(state, words);
     return failed(result) ? abandon(call, result) : 0;
 }
 
@@ -311,7 +255,7 @@ uint32_t loadImage(Call &call) {
 uint32_t startProgram(Call &call) {
     Object &dsp = *call.object;
     DspState &state = stateOf(dsp);
-    const uint32_t entry = call.in.u32(20), flag = call.in.u32(24);
+    const uint32_t entry = call.in.u32(StartProgram::kEntry), flag = call.in.u32(StartProgram::kModuleFlag);
     if (state.program != Program::Loading) return VB_FAILURE(kFailed);
     if (flag > 1) return abandon(call, VB_FAILURE(kOutOfRange));
     if (!state.memory.loaded(kProgramPage, entry)) return abandon(call, VB_FAILURE(kMalformed));
@@ -334,7 +278,7 @@ uint32_t restartProgram(Call &call) {
 }
 
 uint32_t queryDspType(Call &call) {
-    call.out.u32(8, dspType(*call.object));
+    call.out.u32(QueryDspType::kReplyType, dspType(*call.object));
     return 0;
 }
 
@@ -348,12 +292,12 @@ uint32_t message(Call &call) {
     Object &dsp = *call.object;
     DspState &state = stateOf(dsp);
     if (!running(dsp, state)) return VB_FAILURE(kFailed);
-    const uint32_t length = call.in.u32(20);
+    const uint32_t length = call.in.u32(Message::kLength);
     if (length < 2 || length > kMessageBytes + 2) return VB_FAILURE(kOutOfRange);
     std::vector<uint8_t> answer;
-    switch (call.in.u16(36)) {
+    switch (call.in.u16(Message::kCommand)) {
         case RYN_VB_DSP_MESSAGE_ECHO: {
-            const std::span<const uint8_t> input = call.in.bytes(kMessageInput, length - 2);
+            const std::span<const uint8_t> input = call.in.bytes(Message::kInput, length - 2);
             answer.assign(input.begin(), input.end());
             break;
         }
@@ -364,9 +308,9 @@ uint32_t message(Call &call) {
         default:
             return VB_FAILURE(kNotProvided);
     }
-    call.out.u16(kAnswerLength, static_cast<uint16_t>(answer.size()));
-    const size_t written = std::min<size_t>({answer.size(), call.in.u32(24), kMessageBytes});
-    call.out.write(kAnswer, answer.data(), static_cast<uint32_t>(written));
+    call.out.u16(Message::kReplyAnswerLength, static_cast<uint16_t>(answer.size()));
+    const size_t written = std::min<size_t>({answer.size(), call.in.u32(Message::kOutputSize), kMessageBytes});
+    call.out.write(Message::kReplyAnswer, answer.data(), static_cast<uint32_t>(written));
     return 0;
 }
 
@@ -380,18 +324,21 @@ std::optional<uint32_t> hostRange(Call &call, uint32_t page, uint32_t address, u
 // Read data: 20 page, 24 count (1 or 2), 28 address; the units at address
 // and address + 1 come back at 8 and 12 (0 past the count).
 uint32_t readData(Call &call) {
-    const uint32_t page = call.in.u32(20), count = call.in.u32(24), address = call.in.u32(28);
+    const uint32_t page = call.in.u32(ReadData::kPage), count = call.in.u32(ReadData::kCount);
+    const uint32_t address = call.in.u32(ReadData::kAddress);
     const std::optional<uint32_t> memory = hostRange(call, page, address, count);
     if (!memory || count == 0 || count > 2) return VB_FAILURE(kOutOfRange);
     const Memory &dspMemory = stateOf(*call.object).memory;
-    for (uint32_t i = 0; i < count; ++i) call.out.u32(8 + 4 * i, dspMemory.read(*memory, address + i));
+    const uint32_t replies[] = {ReadData::kReplyFirst, ReadData::kReplySecond};
+    for (uint32_t i = 0; i < count; ++i) call.out.u32(replies[i], dspMemory.read(*memory, address + i));
     return 0;
 }
 
 // Host-port read: 20 page, 24 address, 28 count (1 to 64): the units go to the
 // host-port window, the DSP's registers 0x1000 + 2 × i.
 uint32_t readHostPort(Call &call) {
-    const uint32_t page = call.in.u32(20), address = call.in.u32(24), count = call.in.u32(28);
+    const uint32_t page = call.in.u32(ReadHostPort::kPage), address = call.in.u32(ReadHostPort::kAddress);
+    const uint32_t count = call.in.u32(ReadHostPort::kCount);
     const std::optional<uint32_t> memory = hostRange(call, page, address, count);
     if (!memory || count == 0 || count > kHostPortUnits) return VB_FAILURE(kOutOfRange);
     const Memory &dspMemory = stateOf(*call.object).memory;
@@ -402,28 +349,27 @@ uint32_t readHostPort(Call &call) {
 
 // Host-port write: 20 page, 24 address, 28 value (a word, or a byte on DSP 1).
 uint32_t writeHostPort(Call &call) {
-    const uint32_t page = call.in.u32(20), address = call.in.u32(24), value = call.in.u32(28);
+    const uint32_t page = call.in.u32(WriteHostPort::kPage), address = call.in.u32(WriteHostPort::kAddress);
+    const uint32_t value = call.in.u32(WriteHostPort::kValue);
     const std::optional<uint32_t> memory = hostRange(call, page, address, 1);
     if (!memory || value > (byteAddressed(*call.object) ? 0xFFu : 0xFFFFu)) return VB_FAILURE(kOutOfRange);
     stateOf(*call.object).memory.store(*memory, address, static_cast<uint16_t>(value));
     return 0;
 }
 
-// clang-format off
 constexpr Row kRows[] = {
-    {0x99A, 20, 12, hold},
-    {0x99B, 28, 12, startProgram},
-    {0x99C, 292, 12, blockWrite},
-    {0x99D, 20, 12, cancelLoad},
-    {0x99E, 2022, 1998, message, 8},  // the result comes before the answer
-    {0x99F, 32, 20, readData},
-    {0x9A0, 26, 12, loadImage},
-    {0x9A1, 20, 12, restartProgram},
-    {0x9A2, 32, 12, readHostPort},
-    {0x9A3, 32, 12, writeHostPort},
-    {0x9A4, 20, 16, queryDspType},
+    row<Hold>(hold),
+    row<StartProgram>(startProgram),
+    row<BlockWrite>(blockWrite),
+    row<CancelLoad>(cancelLoad),
+    row<Message>(message),  // the result comes before the answer
+    row<ReadData>(readData),
+    row<LoadImage>(loadImage),
+    row<RestartProgram>(restartProgram),
+    row<ReadHostPort>(readHostPort),
+    row<WriteHostPort>(writeHostPort),
+    row<QueryDspType>(queryDspType),
 };
-// clang-format on
 
 // ---- Attributes ------------------------------------------------------------------
 
@@ -454,7 +400,6 @@ const Attribute kAttributes[] = {
 
 void dspReset(Board &board, Object &dsp) { dropProgram(board, dsp, stateOf(dsp)); }
 
-Table dspTable() { return kRows; }
-std::span<const Attribute> dspAttributes() { return kAttributes; }
+const Family kDspFamily{"DSP", kRows, kAttributes, makeState<DspState>, dspReset};
 
 }  // namespace vb

@@ -15,13 +15,13 @@
 #include <array>
 #include <optional>
 
+#include "CstPotsWire.h"
 #include "Families.h"
 
 namespace vb {
 namespace {
 
-constexpr uint32_t kParam1 = 20, kParam2 = 24, kParam3 = 28;
-constexpr uint32_t kDaaRegister = 28, kDaaValue = 29, kStatus = 8;
+namespace pots = wire::cst_pots;
 
 enum Hook : uint32_t { kOnHook = RYN_VB_HOOK_ON, kOffHook = RYN_VB_HOOK_OFF };
 // Word 6 of "Hook state changed".
@@ -80,8 +80,8 @@ uint32_t init(Call &call) {
     auto &line = call.object->as<Line>();
     setHook(call, line, kOnHook, kCauseRequest);
     line.setUp = true;
-    line.lineSetting = call.in.u32(kParam1);
-    line.daaMode = call.in.i32(kParam2);
+    line.lineSetting = call.in.u32(pots::Init::kParam1);
+    line.daaMode = call.in.i32(pots::Init::kDaaMode);
     line.monitor = false;
     line.daa.fill(0);
     return 0;
@@ -110,7 +110,7 @@ uint32_t onHookLineMonitor(Call &call, Line &line) {
 // param1: time on hook in ms (0: 600; 50..2000); the line must be off hook.
 // One event when the line is back off hook, with the flash as its cause.
 uint32_t hookFlash(Call &call, Line &line) {
-    const auto ms = setting(call.in.u32(kParam1), kDefaultFlashMs, kShortestFlashMs, kLongestFlashMs);
+    const auto ms = setting(call.in.u32(pots::HookFlash::kParam1), kDefaultFlashMs, kShortestFlashMs, kLongestFlashMs);
     if (!ms) return VB_FAILURE(kOutOfRange);
     if (line.hook != kOffHook) return VB_FAILURE(kFailed);
     call.board.advance(*ms * kIntervalsPerMs);
@@ -123,9 +123,10 @@ uint32_t hookFlash(Call &call, Line &line) {
 // be off hook. "Dialling finished" follows, word 5 the digit, word 6 the
 // pulses.
 uint32_t pulseDial(Call &call, Line &line) {
-    const uint32_t digit = call.in.u32(kParam1);
-    const auto breakMs = setting(call.in.u32(kParam2), kDefaultBreakMs, 1, kLongestPulseMs);
-    const auto makeMs = setting(call.in.u32(kParam3), kDefaultMakeMs, 1, kLongestPulseMs);
+    using Wire = pots::PulseDial;
+    const uint32_t digit = call.in.u32(Wire::kParam1);
+    const auto breakMs = setting(call.in.u32(Wire::kParam2), kDefaultBreakMs, 1, kLongestPulseMs);
+    const auto makeMs = setting(call.in.u32(Wire::kParam3), kDefaultMakeMs, 1, kLongestPulseMs);
     if (digit > kLargestDigit || !breakMs || !makeMs) return VB_FAILURE(kOutOfRange);
     if (line.hook != kOffHook) return VB_FAILURE(kFailed);
     const uint32_t pulses = digit == 0 ? kPulsesForZero : digit;
@@ -143,25 +144,26 @@ uint32_t senseLine(Call &call, Line &line) {
 // param1 and param2 (write attempts and time-out) are not needed: the
 // virtual DAA takes a write at once.
 uint32_t writeDaa(Call &call, Line &line) {
-    const uint8_t index = call.in.u8(kDaaRegister), value = call.in.u8(kDaaValue);
+    using Wire = pots::WriteDaa;
+    const uint8_t index = call.in.u8(Wire::kDaaRegister), value = call.in.u8(Wire::kDaaValue);
     uint32_t status = kDaaNoRegister;
     if (index < kDaaRegisters) {
         status = line.daa[index] == value ? kDaaUnchanged : kDaaWritten;
         line.daa[index] = value;
     }
-    call.out.u32(kStatus, status);
+    call.out.u32(Wire::kReplyStatus, status);
     return 0;
 }
 
 constexpr Row kRows[] = {
-    {0x9A9, 28, 12, init},
-    {0x9AA, 28, 12, ready<offHook>},
-    {0x9AB, 28, 12, ready<onHook>},
-    {0x9AC, 32, 12, ready<hookFlash>},
-    {0x9AD, 32, 12, ready<pulseDial>},
-    {0x9AE, 28, 12, ready<onHookLineMonitor>},
-    {0x9AF, 28, 12, ready<senseLine>},
-    {0x9B4, 30, 16, ready<writeDaa>},
+    row<pots::Init>(init),
+    row<pots::OffHook>(ready<offHook>),
+    row<pots::OnHook>(ready<onHook>),
+    row<pots::HookFlash>(ready<hookFlash>),
+    row<pots::PulseDial>(ready<pulseDial>),
+    row<pots::OnHookLineMon>(ready<onHookLineMonitor>),
+    row<pots::SenseLine>(ready<senseLine>),
+    row<pots::WriteDaa>(ready<writeDaa>),
 };
 
 // Attributes: 40 hook state, 41 line monitor on (Boolean), 42 the 64 DAA
@@ -184,7 +186,8 @@ const Attribute kAttributes[] = {
 
 }  // namespace
 
-Table dspPotsTable() { return kRows; }
-std::span<const Attribute> dspPotsAttributes() { return kAttributes; }
+bool makesDspPots(int32_t type) { return type == kTypeDspPots; }
+
+const Family kDspPotsFamily{"DSP POTS line", kRows, kAttributes, makeState<Line>, nullptr, makesDspPots};
 
 }  // namespace vb

@@ -63,14 +63,17 @@
 #include <optional>
 
 #include "Channels.h"
+#include "HdlcWire.h"
 
 namespace vb {
 namespace {
 
+namespace hdlc = wire::hdlc;
+using hdlc::kSs7Bytes;
+
 constexpr size_t kQueueCapacity = RYN_VB_HDLC_QUEUE_CAPACITY;
 constexpr uint32_t kFrameLimit = RYN_VB_HDLC_FRAME_MAX;
 constexpr uint32_t kRepeatLimit = 9;
-constexpr uint32_t kSs7Bytes = 3;
 enum Filter : uint32_t {
     kDropFillIn = RYN_VB_SS7_FILTER_FILL_IN,
     kDropLinkStatus = RYN_VB_SS7_FILTER_LINK_STATUS,
@@ -117,7 +120,8 @@ Object &destination(Board &board, Object &sender) {
 bool filteredOut(HdlcChannel &receiver, const Frame &frame) {
     if (!frame.hasSs7) return false;
     const uint32_t indicator = frame.ss7[2] & 0x3Fu;
-    const bool repeated = receiver.lastUnit && receiver.lastUnit->ss7 == frame.ss7 && receiver.lastUnit->data == frame.data;
+    const bool repeated =
+        receiver.lastUnit && receiver.lastUnit->ss7 == frame.ss7 && receiver.lastUnit->data == frame.data;
     receiver.lastUnit = frame;
     const bool drop = ((receiver.filter & kDropFillIn) && indicator == 0) ||
                       ((receiver.filter & kDropLinkStatus) && (indicator == 1 || indicator == 2)) ||
@@ -171,7 +175,8 @@ uint32_t takeFrame(Call &call, uint32_t length, uint32_t limit, uint32_t address
 
 uint32_t senderInit(Call &call) {
     HdlcChannel &channel = channelOf(call);
-    for (uint32_t i = 0; i < channel.senderSettings.size(); ++i) channel.senderSettings[i] = call.in.u32(20 + 4 * i);
+    for (uint32_t i = 0; i < channel.senderSettings.size(); ++i)
+        channel.senderSettings[i] = call.in.u32(hdlc::SenderInit::kParam1 + 4 * i);
     channel.senderReady = true;
     return 0;
 }
@@ -179,77 +184,85 @@ uint32_t senderInit(Call &call) {
 uint32_t receiverInit(Call &call) {
     HdlcChannel &channel = channelOf(call);
     for (uint32_t i = 0; i < channel.receiverSettings.size(); ++i)
-        channel.receiverSettings[i] = call.in.u32(20 + 4 * i);
+        channel.receiverSettings[i] = call.in.u32(hdlc::ReceiverInit::kParam1 + 4 * i);
     channel.receiverReady = true;
     channel.queue.clear();
     channel.lastSs7 = {};
     return 0;
 }
 
-// Length 20, two settings, the data's address at 32.
 uint32_t sendData(Call &call) {
+    using Wire = hdlc::SendData;
     if (const uint32_t refused = senderRefusal(call)) return refused;
     Frame frame;
-    if (const uint32_t refused = takeFrame(call, call.in.u32(20), kFrameLimit, 32, frame)) return refused;
+    if (const uint32_t refused = takeFrame(call, call.in.u32(Wire::kLength), kFrameLimit, Wire::kData, frame))
+        return refused;
     loopBack(call.board, *call.object, std::move(frame));
     return 0;
 }
 
-// Length 20, the 3-byte field at 24..26, two settings, the address at 36.
 uint32_t ss7SendData(Call &call) {
+    using Wire = hdlc::Ss7SendData;
     if (const uint32_t refused = senderRefusal(call)) return refused;
     Frame frame;
-    if (const uint32_t refused = takeFrame(call, call.in.u32(20), kFrameLimit, 36, frame)) return refused;
-    const auto ss7 = call.in.bytes(24, kSs7Bytes);  // inside the 40-byte request
+    if (const uint32_t refused = takeFrame(call, call.in.u32(Wire::kLength), kFrameLimit, Wire::kData, frame))
+        return refused;
+    const auto ss7 = call.in.bytes(Wire::kSs7, kSs7Bytes);  // inside the request
     std::copy(ss7.begin(), ss7.end(), frame.ss7.begin());
     frame.hasSs7 = true;
     loopBack(call.board, *call.object, std::move(frame));
     return 0;
 }
 
-// Size 20, the receive buffer's address 24. Reply: length 8, frames still
-// queued 12, frames dropped 16, time of arrival 20..27.
+// Reply: the frame's length, the frames still queued, the frames dropped,
+// its time of arrival.
 uint32_t readData(Call &call) {
+    using Wire = hdlc::ReadData;
     if (const uint32_t refused = receiverRefusal(call)) return refused;
     HdlcChannel &channel = channelOf(call);
-    call.out.u32(16, channel.dropped);
+    call.out.u32(Wire::kReplyDropped, channel.dropped);
     if (channel.queue.empty()) return VB_STATUS(kNothingToRead);
     const Frame &frame = channel.queue.front();
     const auto length = static_cast<uint32_t>(frame.data.size());
-    call.out.u32(8, length).u32(12, static_cast<uint32_t>(channel.queue.size()));
-    const auto room = channel::callerBytes(call, 24, call.in.u32(20));
+    call.out.u32(Wire::kReplyLength, length).u32(Wire::kReplyQueued, static_cast<uint32_t>(channel.queue.size()));
+    const auto room = channel::callerBytes(call, Wire::kBuffer, call.in.u32(Wire::kBufferSize));
     if (length > room.size()) return VB_FAILURE(kOutOfRange);
     std::memcpy(room.data(), frame.data.data(), length);
-    channel::putTime(call.out, 20, frame.time);
+    channel::putTime(call.out, Wire::kReplyTime, frame.time);
     channel.lastSs7 = frame.ss7;
     channel.queue.pop_front();
-    call.out.u32(12, static_cast<uint32_t>(channel.queue.size()));
+    call.out.u32(Wire::kReplyQueued, static_cast<uint32_t>(channel.queue.size()));
     return 0;
 }
 
 uint32_t ss7ReceiveStatus(Call &call) {
+    using Wire = hdlc::Ss7GetReceiveStatus;
     if (const uint32_t refused = receiverRefusal(call)) return refused;
     const HdlcChannel &channel = channelOf(call);
-    call.out.u32(8, static_cast<uint32_t>(channel.queue.size())).u32(12, channel.received).u32(16, channel.dropped);
-    call.out.write(20, channel.lastSs7.data(), kSs7Bytes);
+    call.out.u32(Wire::kReplyQueued, static_cast<uint32_t>(channel.queue.size()));
+    call.out.u32(Wire::kReplyReceived, channel.received).u32(Wire::kReplyDropped, channel.dropped);
+    call.out.write(Wire::kReplySs7, channel.lastSs7.data(), kSs7Bytes);
     return 0;
 }
 
 uint32_t ss7SetFilter(Call &call) {
-    if ((call.in.u32(20) & ~kFilterBits) != 0) return VB_FAILURE(kOutOfRange);
-    channelOf(call).filter = call.in.u32(20);
+    const uint32_t filter = call.in.u32(hdlc::Ss7SetFilter::kFilter);
+    if ((filter & ~kFilterBits) != 0) return VB_FAILURE(kOutOfRange);
+    channelOf(call).filter = filter;
     return 0;
 }
 
 uint32_t ss7GetFilter(Call &call) {
-    call.out.u32(8, channelOf(call).filter);
+    call.out.u32(hdlc::Ss7GetFilter::kReplyFilter, channelOf(call).filter);
     return 0;
 }
 
 uint32_t startRepeat(Call &call) {
+    using Wire = hdlc::StartRepeatData;
     if (const uint32_t refused = senderRefusal(call)) return refused;
     Frame frame;
-    if (const uint32_t refused = takeFrame(call, call.in.u32(20), kRepeatLimit, 32, frame)) return refused;
+    if (const uint32_t refused = takeFrame(call, call.in.u32(Wire::kLength), kRepeatLimit, Wire::kData, frame))
+        return refused;
     HdlcChannel &channel = channelOf(call);
     channel.repeating = true;
     channel.repeatBlock = frame.data;
@@ -269,9 +282,9 @@ uint32_t stopRepeat(Call &call) {
 uint32_t readDataEx(Call &call) {
     if (const uint32_t refused = receiverRefusal(call)) return refused;
     const HdlcChannel &channel = channelOf(call);
-    const uint32_t index = call.in.u32(20);
+    const uint32_t index = call.in.u32(hdlc::ReadDataEx::kParam1);
     if (index >= channel.queue.size()) return VB_STATUS(kNothingToRead);
-    call.out.u32(8, static_cast<uint32_t>(channel.queue[index].data.size()));
+    call.out.u32(hdlc::ReadDataEx::kReplyLength, static_cast<uint32_t>(channel.queue[index].data.size()));
     return 0;
 }
 
@@ -284,18 +297,18 @@ uint32_t senderFlush(Call &call) {
 }
 
 constexpr Row kHdlc[] = {
-    {0x99A, 44, 12, senderInit},
-    {0x99B, 48, 12, receiverInit},
-    {0x99C, 36, 12, sendData},
-    {0x99D, 28, 32, readData},
-    {0x9A0, 20, 28, ss7ReceiveStatus},
-    {0x9A1, 24, 12, ss7SetFilter},
-    {0x9A2, 20, 16, ss7GetFilter},
-    {0x9A3, 40, 12, ss7SendData},
-    {0x9A4, 36, 12, startRepeat},
-    {0x9A5, 20, 12, stopRepeat},
-    {0x9A6, 36, 16, readDataEx},
-    {0x9A7, 20, 12, senderFlush},
+    row<hdlc::SenderInit>(senderInit),
+    row<hdlc::ReceiverInit>(receiverInit),
+    row<hdlc::SendData>(sendData),
+    row<hdlc::ReadData>(readData),
+    row<hdlc::Ss7GetReceiveStatus>(ss7ReceiveStatus),
+    row<hdlc::Ss7SetFilter>(ss7SetFilter),
+    row<hdlc::Ss7GetFilter>(ss7GetFilter),
+    row<hdlc::Ss7SendData>(ss7SendData),
+    row<hdlc::StartRepeatData>(startRepeat),
+    row<hdlc::StopRepeatData>(stopRepeat),
+    row<hdlc::ReadDataEx>(readDataEx),
+    row<hdlc::SenderFlush>(senderFlush),
 };
 
 // ---- Attributes -------------------------------------------------------------
@@ -329,7 +342,6 @@ const Attribute kAttributes[] = {
 
 }  // namespace
 
-Table hdlcTable() { return kHdlc; }
-std::span<const Attribute> hdlcAttributes() { return kAttributes; }
+const Family kHdlcFamily{"HDLC channel", kHdlc, kAttributes, makeState<HdlcChannel>};
 
 }  // namespace vb

@@ -9,19 +9,22 @@
 #include <cstring>
 
 #include "Families.h"
+#include "JtagWire.h"
 
 namespace vb {
 namespace {
 
+using namespace wire::jtag;
+
 constexpr uint32_t kIrBits = 4, kIrCapture = 0x1;
-constexpr uint32_t kIdcodeInstruction = RYN_VB_JTAG_IDCODE_INSTRUCTION;  // every other code, 0xF among them, selects BYPASS
+constexpr uint32_t kIdcodeInstruction =
+    RYN_VB_JTAG_IDCODE_INSTRUCTION;  // every other code, 0xF among them, selects BYPASS
 constexpr uint32_t kIdcode = RYN_VB_JTAG_IDCODE;
 // Control: 0 resets the TAP (the instruction becomes IDCODE), 1 enables the
 // port, 2 disables it (scans are refused).
 constexpr uint32_t kReset = RYN_VB_JTAG_RESET, kEnable = RYN_VB_JTAG_ENABLE, kDisable = RYN_VB_JTAG_DISABLE;
-// Scan request: bit count (0: the whole input) at 20, input block at 24 and
-// its size at 28, output block at 32 and its size at 36.
-constexpr uint32_t kCount = 20, kInput = 24, kInputSize = 28, kOutput = 32, kOutputSize = 36;
+// Scan request: param1 the bit count (0: the whole input), then the input
+// block and its size, the output block and its size.
 
 struct Port : ObjectState {
     bool enabled = true;
@@ -30,7 +33,7 @@ struct Port : ObjectState {
 
 uint32_t control(Call &call) {
     Port &port = call.object->as<Port>();
-    const uint32_t value = call.in.u32(20);
+    const uint32_t value = call.in.u32(Control::kControl);
     if (value > kDisable) return VB_FAILURE(kOutOfRange);
     if (value == kReset) port.instruction = kIdcodeInstruction;
     if (value != kReset) port.enabled = value == kEnable;
@@ -41,16 +44,16 @@ template <bool Instruction>
 uint32_t scan(Call &call) {
     Port &port = call.object->as<Port>();
     if (!port.enabled) return VB_FAILURE(kFailed);
-    const RynDriverBuffer *input = call.in.buffer(kInput), *output = call.in.buffer(kOutput);
+    const RynDriverBuffer *input = call.in.buffer(Scan::kInput), *output = call.in.buffer(Scan::kOutput);
     if (input == nullptr || output == nullptr || input->address == nullptr || output->address == nullptr)
         return VB_FAILURE(kOutOfRange);
-    const uint32_t inSize = std::min(call.in.u32(kInputSize), input->length);
-    const uint32_t outSize = std::min(call.in.u32(kOutputSize), output->length);
+    const uint32_t inSize = std::min(call.in.u32(Scan::kInputSize), input->length);
+    const uint32_t outSize = std::min(call.in.u32(Scan::kOutputSize), output->length);
     const char *tdi = static_cast<const char *>(input->address);
     const auto length = static_cast<uint32_t>(strnlen(tdi, inSize));
     if (length == inSize || std::any_of(tdi, tdi + length, [](char c) { return c != '0' && c != '1'; }))
         return VB_FAILURE(kMalformed);
-    const uint32_t count = call.in.u32(kCount) == 0 ? length : call.in.u32(kCount);
+    const uint32_t count = call.in.u32(Scan::kParam1) == 0 ? length : call.in.u32(Scan::kParam1);
     if (count > length || count >= outSize) return VB_FAILURE(kOutOfRange);
 
     const bool idcode = !Instruction && port.instruction == kIdcodeInstruction;
@@ -67,9 +70,9 @@ uint32_t scan(Call &call) {
 }
 
 constexpr Row kRows[] = {
-    {0x99A, 24, 12, control},
-    {0x99B, 40, 12, scan<true>},
-    {0x99C, 40, 12, scan<false>},
+    row<Control>(control),
+    row<ScanIr>(scan<true>),
+    row<ScanDr>(scan<false>),
 };
 
 std::vector<uint8_t> instruction(Call &, Object &port, uint32_t) { return wordValue(port.as<Port>().instruction); }
@@ -82,7 +85,6 @@ const Attribute kAttributes[] = {
 
 }  // namespace
 
-Table jtagTable() { return kRows; }
-std::span<const Attribute> jtagAttributes() { return kAttributes; }
+const Family kJtagFamily{"JTAG port", kRows, kAttributes, makeState<Port>};
 
 }  // namespace vb

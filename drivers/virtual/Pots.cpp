@@ -8,12 +8,15 @@
 #include <string>
 
 #include "Families.h"
+#include "PotsWire.h"
 
 namespace vb {
 namespace {
 
+using namespace wire::pots;
+
 constexpr uint32_t kModeLast = RYN_VB_POTS_IMPEDANCE_COMPLEX;  // the impedances, 600 ohm first
-constexpr uint32_t kDigitArea = 32, kDigitCount = 160, kDigitLimit = 127;
+constexpr uint32_t kDigitLimit = 127;
 constexpr uint32_t kEndedByExchange = RYN_VB_RING_STOP_REQUESTED, kAnswered = RYN_VB_RING_STOP_ANSWERED;
 
 struct Line : ObjectState {
@@ -55,7 +58,7 @@ uint32_t onHook(Call &call) {
 uint32_t hookFlash(Call &call) {
     Line &line = lineOf(call);
     if (!line.offHook) return VB_FAILURE(kFailed);
-    if (call.in.u32(20) == 0) return VB_FAILURE(kOutOfRange);
+    if (call.in.u32(HookFlash::kParam1) == 0) return VB_FAILURE(kOutOfRange);
     ++line.flashes;
     line.dialled.clear();
     return 0;
@@ -65,10 +68,10 @@ uint32_t hookFlash(Call &call) {
 // are accepted as they come.
 uint32_t pulseDial(Call &call) {
     Line &line = lineOf(call);
-    const uint32_t count = call.in.u32(kDigitCount);
+    const uint32_t count = call.in.u32(PulseDial::kDigitCount);
     if (count > kDigitLimit) return VB_FAILURE(kOutOfRange);
     if (!line.offHook) return VB_FAILURE(kFailed);
-    const auto digits = call.in.bytes(kDigitArea, count);
+    const auto digits = call.in.bytes(PulseDial::kDigits, count);
     for (uint8_t digit : digits)
         if (digit < '0' || digit > '9') return VB_FAILURE(kMalformed);
     line.dialled.append(digits.begin(), digits.end());
@@ -76,19 +79,19 @@ uint32_t pulseDial(Call &call) {
 }
 
 uint32_t setMode(Call &call) {
-    if (call.in.u32(20) > kModeLast) return VB_FAILURE(kOutOfRange);
-    lineOf(call).mode = call.in.u32(20);
+    if (call.in.u32(SetLiMode::kMode) > kModeLast) return VB_FAILURE(kOutOfRange);
+    lineOf(call).mode = call.in.u32(SetLiMode::kMode);
     return 0;
 }
 
 uint32_t getMode(Call &call) {
-    call.out.u32(8, lineOf(call).mode);
+    call.out.u32(GetLiMode::kReplyMode, lineOf(call).mode);
     return 0;
 }
 
 constexpr Row kRows[] = {
-    {0x99A, 20, 12, offHook},    {0x99B, 20, 12, onHook},  {0x99C, 32, 12, hookFlash},
-    {0x99D, 172, 12, pulseDial}, {0x99E, 24, 12, setMode}, {0x99F, 20, 16, getMode},
+    row<OffHook>(offHook),     row<OnHook>(onHook),     row<HookFlash>(hookFlash),
+    row<PulseDial>(pulseDial), row<SetLiMode>(setMode), row<GetLiMode>(getMode),
 };
 
 // ---- Attributes -----------------------------------------------------------
@@ -116,13 +119,12 @@ std::vector<uint8_t> flashesValue(Call &, Object &object, uint32_t) { return wor
 const Attribute kAttributes[] = {
     {RYN_VB_ATTR_POTS_RINGING, RYN_VB_VALUE_BOOLEAN, ringingValue, setRinging},
     {RYN_VB_ATTR_POTS_OFF_HOOK, RYN_VB_VALUE_BOOLEAN, offHookValue, nullptr},
-    {RYN_VB_ATTR_POTS_DIALLED, RYN_VB_VALUE_TEXT, dialledValue, nullptr},  // since going off hook
+    {RYN_VB_ATTR_POTS_DIALLED, RYN_VB_VALUE_TEXT, dialledValue, nullptr},    // since going off hook
     {RYN_VB_ATTR_POTS_FLASHES, RYN_VB_VALUE_UINT32, flashesValue, nullptr},  // since going off hook
 };
 
 }  // namespace
 
-Table potsTable() { return kRows; }
-std::span<const Attribute> potsAttributes() { return kAttributes; }
+const Family kPotsFamily{"POTS line", kRows, kAttributes, makeState<Line>};
 
 }  // namespace vb

@@ -35,9 +35,12 @@
 #include <deque>
 
 #include "Channels.h"
+#include "RawDataWire.h"
 
 namespace vb {
 namespace {
+
+namespace raw = wire::raw_data;
 
 constexpr uint32_t kSendLimit = RYN_VB_RAW_SEND_MAX;
 constexpr size_t kReceiveCapacity = RYN_VB_RAW_BUFFER_CAPACITY;
@@ -56,29 +59,32 @@ struct RawChannel : ObjectState {
 RawChannel &channelOf(Object &object) { return object.as<RawChannel>(); }
 RawChannel &channelOf(Call &call) { return channelOf(*call.object); }
 
-// Sender set-up: param1 at 20, the byte at 24, param3 at 26.
+// Sender set-up: param1, the byte param2, param3.
 uint32_t senderInit(Call &call) {
+    using Wire = raw::SenderInit;
     RawChannel &channel = channelOf(call);
-    channel.senderSettings = {call.in.u32(20), call.in.u32(26), 0};
-    channel.senderByte = call.in.u8(24);
+    channel.senderSettings = {call.in.u32(Wire::kParam1), call.in.u32(Wire::kParam3), 0};
+    channel.senderByte = call.in.u8(Wire::kParam2);
     channel.senderReady = true;
     return 0;
 }
 
-// Extended sender set-up: param1 at 20, param2 at 24, the byte at 28, param4 at 30.
+// Extended sender set-up: param1, param2, the byte param3, param4.
 uint32_t senderInitEx(Call &call) {
+    using Wire = raw::SenderInitEx;
     RawChannel &channel = channelOf(call);
-    channel.senderSettings = {call.in.u32(20), call.in.u32(24), call.in.u32(30)};
-    channel.senderByte = call.in.u8(28);
+    channel.senderSettings = {call.in.u32(Wire::kParam1), call.in.u32(Wire::kParam2), call.in.u32(Wire::kParam4)};
+    channel.senderByte = call.in.u8(Wire::kParam3);
     channel.senderReady = true;
     return 0;
 }
 
-// Receiver set-up: param1 at 20, the byte at 24, param3 at 26, param4 at 30.
+// Receiver set-up: param1, the byte param2, param3, param4.
 uint32_t receiverInit(Call &call) {
+    using Wire = raw::ReceiverInit;
     RawChannel &channel = channelOf(call);
-    channel.receiverSettings = {call.in.u32(20), call.in.u32(26), call.in.u32(30)};
-    channel.receiverByte = call.in.u8(24);
+    channel.receiverSettings = {call.in.u32(Wire::kParam1), call.in.u32(Wire::kParam3), call.in.u32(Wire::kParam4)};
+    channel.receiverByte = call.in.u8(Wire::kParam2);
     channel.receiverReady = true;
     channel.waiting.clear();
     return 0;
@@ -89,13 +95,13 @@ uint32_t senderRefusal(Call &call) {
     return 0;
 }
 
-// Length 20, two settings, the data's address at 32.
 uint32_t sendData(Call &call) {
+    using Wire = raw::SendData;
     if (const uint32_t refused = senderRefusal(call)) return refused;
-    const uint32_t length = call.in.u32(20);
+    const uint32_t length = call.in.u32(Wire::kLength);
     if (length > kSendLimit) return VB_FAILURE(kOutOfRange);
     if (length == 0) return 0;
-    const auto bytes = channel::callerBytes(call, 32, length);
+    const auto bytes = channel::callerBytes(call, Wire::kData, length);
     if (bytes.empty()) return VB_FAILURE(kOutOfRange);
     RawChannel &channel = channelOf(call);
     const auto count = static_cast<uint32_t>(bytes.size());
@@ -115,31 +121,28 @@ uint32_t sendData(Call &call) {
     return 0;
 }
 
-// Size 20, the receive buffer's address 24. Reply: bytes written 8, bytes
-// still waiting 12.
+// Reply: the bytes written, the bytes still waiting.
 uint32_t readData(Call &call) {
+    using Wire = raw::ReadData;
     RawChannel &channel = channelOf(call);
     if (channel::disabled(*call.object) || !channel.receiverReady) return VB_FAILURE(kFailed);
     if (channel.waiting.empty()) return VB_STATUS(kNothingToRead);
-    const auto room = channel::callerBytes(call, 24, call.in.u32(20));
+    const auto room = channel::callerBytes(call, Wire::kBuffer, call.in.u32(Wire::kBufferSize));
     if (room.empty()) return VB_FAILURE(kOutOfRange);
     const size_t count = std::min(room.size(), channel.waiting.size());
     const auto end = channel.waiting.begin() + static_cast<std::ptrdiff_t>(count);
     std::copy(channel.waiting.begin(), end, room.begin());
     channel.waiting.erase(channel.waiting.begin(), end);
-    call.out.u32(8, static_cast<uint32_t>(count)).u32(12, static_cast<uint32_t>(channel.waiting.size()));
+    call.out.u32(Wire::kReplyLength, static_cast<uint32_t>(count));
+    call.out.u32(Wire::kReplyWaiting, static_cast<uint32_t>(channel.waiting.size()));
     return 0;
 }
 
 uint32_t senderFlush(Call &call) { return senderRefusal(call); }
 
 constexpr Row kRawData[] = {
-    {0x99A, 30, 12, senderInit},
-    {0x99B, 34, 12, receiverInit},
-    {0x99C, 36, 12, sendData},
-    {0x99D, 28, 20, readData},
-    {0x9A0, 20, 12, senderFlush},
-    {0x9A1, 34, 12, senderInitEx},
+    row<raw::SenderInit>(senderInit), row<raw::ReceiverInit>(receiverInit), row<raw::SendData>(sendData),
+    row<raw::ReadData>(readData),     row<raw::SenderFlush>(senderFlush),   row<raw::SenderInitEx>(senderInitEx),
 };
 
 std::vector<uint8_t> bytesWaiting(Call &, Object &object, uint32_t) {
@@ -158,7 +161,6 @@ const Attribute kAttributes[] = {
 
 }  // namespace
 
-Table rawDataTable() { return kRawData; }
-std::span<const Attribute> rawDataAttributes() { return kAttributes; }
+const Family kRawDataFamily{"Raw-data channel", kRawData, kAttributes, makeState<RawChannel>};
 
 }  // namespace vb

@@ -58,23 +58,9 @@ double frequencyOf(uint16_t coefficient) { return std::acos(cosineOf(coefficient
 
 double peakOf(double attenuationDb) { return kReferencePeak * std::pow(10.0, -attenuationDb / 20.0); }
 
+double fullScalePeakOf(double attenuationDb) { return peakOf(attenuationDb) * kFullScale / kReferencePeak; }
+
 uint64_t samplesOf(uint64_t milliseconds) { return milliseconds * kSamplesPerMs; }
-
-std::vector<int16_t> fromLittleEndian(std::span<const uint8_t> bytes) {
-    std::vector<int16_t> samples(bytes.size() / 2);
-    for (size_t i = 0; i < samples.size(); ++i)
-        samples[i] = static_cast<int16_t>(bytes[2 * i] | (bytes[2 * i + 1] << 8));
-    return samples;
-}
-
-std::vector<uint8_t> toLittleEndian(std::span<const int16_t> samples) {
-    std::vector<uint8_t> bytes(samples.size() * 2);
-    for (size_t i = 0; i < samples.size(); ++i) {
-        bytes[2 * i] = static_cast<uint8_t>(samples[i]);
-        bytes[2 * i + 1] = static_cast<uint8_t>(static_cast<uint16_t>(samples[i]) >> 8);
-    }
-    return bytes;
-}
 
 // ---- Measures ---------------------------------------------------------------
 

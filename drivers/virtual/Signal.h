@@ -1,9 +1,9 @@
-// The signal processing of the board's tone blocks, at 8000 samples a second
-// in 16-bit samples: the sources that generators and diallers play, and the
-// receivers that detectors run. Nothing here knows the board: the tone
-// family (Tone.cpp) feeds samples in and turns reports into events, and the
-// telephony family (Telephony.cpp) plays its tones and measures its frames
-// with the same pieces.
+// The signal processing of the board's blocks, at 8000 samples a second in
+// 16-bit samples: the sources that generators and diallers play, and the
+// receivers that detectors run. Nothing here knows the board: the block
+// families (ToneGenerators.cpp, ToneDetectors.cpp and the telephony blocks,
+// Cst.h) feed samples in, turn reports into events and play what the
+// sources make.
 //
 // Levels are given as attenuations in dB below the reference, a sine of peak
 // amplitude 4096 (the 0 dB tone of the library's sine-wave set-up).
@@ -29,13 +29,12 @@ inline constexpr double kReferencePeak = 4096.0;
 uint16_t coefficientOf(double hertz);  // cos(2 pi f / 8000) in Q15, truncated
 double cosineOf(uint16_t coefficient);
 double frequencyOf(uint16_t coefficient);  // the frequency a coefficient stands for
-double peakOf(double attenuationDb);       // the peak amplitude of a level
+double peakOf(double attenuationDb);       // the peak amplitude of a level below the reference
+// The telephony blocks give their levels in dB below full scale (a sine of
+// peak 32767) instead: the peak amplitude of such a level.
+inline constexpr double kFullScale = 32767.0;
+double fullScalePeakOf(double attenuationDb);
 uint64_t samplesOf(uint64_t milliseconds);
-
-// Samples as the application hands them over and takes them back: 16-bit
-// little-endian values (an odd last byte is left out).
-std::vector<int16_t> fromLittleEndian(std::span<const uint8_t> bytes);
-std::vector<uint8_t> toLittleEndian(std::span<const int16_t> samples);
 
 // ---- Measures ---------------------------------------------------------------
 

@@ -11,9 +11,12 @@
 #include <string>
 
 #include "Families.h"
+#include "SlicWire.h"
 
 namespace vb {
 namespace {
+
+using namespace wire::slic;
 
 enum Tone : uint32_t {
     kNoTone = RYN_VB_SLIC_TONE_NONE,
@@ -25,7 +28,6 @@ enum Tone : uint32_t {
 };
 constexpr uint32_t kStoppedByApplication = RYN_VB_RING_STOP_REQUESTED, kAnswered = RYN_VB_RING_STOP_ANSWERED,
                    kStoppedByReset = RYN_VB_RING_STOP_RESET;
-constexpr uint32_t kField = 20, kNameLength = 15, kNumberLength = 10, kStampLength = 8;
 
 struct Line : ObjectState {
     bool offHook = false, ringing = false, audio = false, inReset = false;
@@ -52,13 +54,13 @@ void stopRinging(Board &board, Object &object, uint32_t why) {
 template <Handler H>
 uint32_t withState(Call &call) {
     const uint32_t result = H(call);
-    call.out.u32(8, stateWord(lineOf(call)));
+    call.out.u32(StatusReply::kReplyStatus, stateWord(lineOf(call)));
     return result;
 }
 
 // 1 holds the SLIC in reset: ringing, tone and audio stop. 0 releases it.
 uint32_t setResetPin(Call &call) {
-    const uint32_t state = call.in.u32(20);
+    const uint32_t state = call.in.u32(SetResetPin::kState);
     if (state > 1) return VB_FAILURE(kOutOfRange);
     Line &line = lineOf(call);
     line.inReset = state == 1;
@@ -81,7 +83,7 @@ uint32_t tone(Call &call) {
 }
 
 uint32_t getHookState(Call &call) {
-    call.out.u32(8, lineOf(call).offHook ? RYN_VB_HOOK_OFF : RYN_VB_HOOK_ON);
+    call.out.u32(GetHookState::kReplyState, lineOf(call).offHook ? RYN_VB_HOOK_OFF : RYN_VB_HOOK_ON);
     return 0;
 }
 
@@ -112,8 +114,9 @@ uint32_t enableAudio(Call &call) {
 // An open loop interrupts the loop current, a reversal reverses the line's
 // polarity; the audio path and any tone end.
 uint32_t signalDisconnect(Call &call) {
-    const uint32_t signal = call.in.u32(20);
-    if (signal < RYN_VB_SLIC_DISCONNECT_OPEN_LOOP || signal > RYN_VB_SLIC_DISCONNECT_REVERSAL) return VB_FAILURE(kOutOfRange);
+    const uint32_t signal = call.in.u32(SignalDisconnectState::kParam1);
+    if (signal < RYN_VB_SLIC_DISCONNECT_OPEN_LOOP || signal > RYN_VB_SLIC_DISCONNECT_REVERSAL)
+        return VB_FAILURE(kOutOfRange);
     Line &line = lineOf(call);
     if (line.inReset) return VB_FAILURE(kFailed);
     line.disconnect = signal;
@@ -122,9 +125,9 @@ uint32_t signalDisconnect(Call &call) {
     return 0;
 }
 
-// The text of a field of `limit` characters, up to its first NUL.
-std::string fieldText(Call &call, uint32_t limit) {
-    const auto bytes = call.in.bytes(kField, limit);
+// The text of the field of `limit` characters at `field`, up to its first NUL.
+std::string fieldText(Call &call, uint32_t field, uint32_t limit) {
+    const auto bytes = call.in.bytes(field, limit);
     std::string text(bytes.begin(), bytes.end());
     return text.substr(0, text.find('\0'));
 }
@@ -132,21 +135,21 @@ std::string fieldText(Call &call, uint32_t limit) {
 bool digitsOnly(const std::string &text) { return text.find_first_not_of("0123456789") == std::string::npos; }
 
 uint32_t setUserName(Call &call) {
-    lineOf(call).name = fieldText(call, kNameLength);
+    lineOf(call).name = fieldText(call, SetUserName::kName, SetUserName::kNameLength);
     return 0;
 }
 
 uint32_t setPhoneNumber(Call &call) {
-    const std::string number = fieldText(call, kNumberLength);
-    if (number.size() != kNumberLength || !digitsOnly(number)) return VB_FAILURE(kMalformed);
+    const std::string number = fieldText(call, SetPhoneNumber::kNumber, SetPhoneNumber::kNumberLength);
+    if (number.size() != SetPhoneNumber::kNumberLength || !digitsOnly(number)) return VB_FAILURE(kMalformed);
     lineOf(call).number = number;
     return 0;
 }
 
 // The message goes out as "MMDDhhmm number name", kept as attribute 42.
 uint32_t sendCallerId(Call &call) {
-    const std::string stamp = fieldText(call, kStampLength);
-    if (stamp.size() != kStampLength || !digitsOnly(stamp)) return VB_FAILURE(kMalformed);
+    const std::string stamp = fieldText(call, SendCallerId::kStamp, SendCallerId::kStampLength);
+    if (stamp.size() != SendCallerId::kStampLength || !digitsOnly(stamp)) return VB_FAILURE(kMalformed);
     Line &line = lineOf(call);
     if (line.inReset) return VB_FAILURE(kFailed);
     line.callerId = stamp + " " + line.number + " " + line.name;
@@ -154,20 +157,20 @@ uint32_t sendCallerId(Call &call) {
 }
 
 constexpr Row kRows[] = {
-    {0x99A, 24, 12, setResetPin},
-    {0x99B, 20, 12, tone<kDialTone>},
-    {0x99C, 20, 12, tone<kBusyTone>},
-    {0x99D, 20, 12, tone<kReorderTone>},
-    {0x99E, 20, 12, tone<kCongestionTone>},
-    {0x9A0, 20, 12, tone<kRingBackTone>},
-    {0x9A1, 20, 16, getHookState},
-    {0x9A2, 20, 16, withState<startRing>},
-    {0x9A3, 20, 16, withState<stopRing>},
-    {0x9A4, 20, 16, withState<enableAudio>},
-    {0x9A5, 24, 16, withState<signalDisconnect>},
-    {0x9A6, 36, 16, withState<setUserName>},
-    {0x9A7, 32, 16, withState<setPhoneNumber>},
-    {0x9A8, 30, 16, withState<sendCallerId>},
+    row<SetResetPin>(setResetPin),
+    row<EnableDialTone>(tone<kDialTone>),
+    row<EnableBusyTone>(tone<kBusyTone>),
+    row<EnableReorderTone>(tone<kReorderTone>),
+    row<EnableCongestionTone>(tone<kCongestionTone>),
+    row<EnableRingBackTone>(tone<kRingBackTone>),
+    row<GetHookState>(getHookState),
+    row<StartRingState>(withState<startRing>),
+    row<StopRingState>(withState<stopRing>),
+    row<EnableAudio>(withState<enableAudio>),
+    row<SignalDisconnectState>(withState<signalDisconnect>),
+    row<SetUserName>(withState<setUserName>),
+    row<SetPhoneNumber>(withState<setPhoneNumber>),
+    row<SendCallerId>(withState<sendCallerId>),
 };
 
 // ---- Attributes -----------------------------------------------------------
@@ -205,7 +208,6 @@ const Attribute kAttributes[] = {
 
 }  // namespace
 
-Table slicTable() { return kRows; }
-std::span<const Attribute> slicAttributes() { return kAttributes; }
+const Family kSlicFamily{"SLIC line", kRows, kAttributes, makeState<Line>};
 
 }  // namespace vb

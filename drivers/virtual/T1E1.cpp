@@ -14,9 +14,12 @@
 #include <array>
 
 #include "Families.h"
+#include "T1E1Wire.h"
 
 namespace vb {
 namespace {
+
+using namespace wire::t1e1;
 
 // Line-interface modes.
 constexpr uint32_t kModeT1 = RYN_VB_T1E1_MODE_T1, kModeE1 = RYN_VB_T1E1_MODE_E1;
@@ -25,27 +28,27 @@ constexpr uint32_t kModeT1 = RYN_VB_T1E1_MODE_T1, kModeE1 = RYN_VB_T1E1_MODE_E1;
 constexpr uint32_t kLoopNone = RYN_VB_T1E1_LOOP_NONE, kLoopLocal = RYN_VB_T1E1_LOOP_LOCAL,
                    kLoopRemote = RYN_VB_T1E1_LOOP_REMOTE;
 // Alarms a span can transmit (a mask).
-constexpr uint32_t kAlarmAis = RYN_VB_T1E1_ALARM_AIS, kAlarmRai = RYN_VB_T1E1_ALARM_RAI, kAlarmsAll = kAlarmAis | kAlarmRai;
+constexpr uint32_t kAlarmAis = RYN_VB_T1E1_ALARM_AIS, kAlarmRai = RYN_VB_T1E1_ALARM_RAI,
+                   kAlarmsAll = kAlarmAis | kAlarmRai;
 
 // The layer-1 status word.
-constexpr uint32_t kStatusSync = RYN_VB_T1E1_STATUS_FRAME_SYNC; // frame alignment found
-constexpr uint32_t kStatusLos = RYN_VB_T1E1_STATUS_LOS; // loss of signal
-constexpr uint32_t kStatusAis = RYN_VB_T1E1_STATUS_AIS; // all ones received (blue alarm)
-constexpr uint32_t kStatusRai = RYN_VB_T1E1_STATUS_RAI; // remote alarm received (yellow alarm)
-constexpr uint32_t kStatusLoop = RYN_VB_T1E1_STATUS_LOOP; // a line loop is set on this span
-constexpr uint32_t kStatusPrbsSync = RYN_VB_T1E1_STATUS_PRBS_SYNC; // the PRBS tester receives its own pattern
+constexpr uint32_t kStatusSync = RYN_VB_T1E1_STATUS_FRAME_SYNC;     // frame alignment found
+constexpr uint32_t kStatusLos = RYN_VB_T1E1_STATUS_LOS;             // loss of signal
+constexpr uint32_t kStatusAis = RYN_VB_T1E1_STATUS_AIS;             // all ones received (blue alarm)
+constexpr uint32_t kStatusRai = RYN_VB_T1E1_STATUS_RAI;             // remote alarm received (yellow alarm)
+constexpr uint32_t kStatusLoop = RYN_VB_T1E1_STATUS_LOOP;           // a line loop is set on this span
+constexpr uint32_t kStatusPrbsSync = RYN_VB_T1E1_STATUS_PRBS_SYNC;  // the PRBS tester receives its own pattern
 constexpr uint32_t kStatusAlarms = kStatusAis | kStatusRai;
 
-constexpr uint32_t kSlots = 32;  // time slots; T1 channels 1..24, E1 1..15 and 17..31
-constexpr uint32_t kT1Config = 60, kE1Config = 56, kBitRecord = 16, kStatusEx = 20;
+constexpr uint32_t kSlots = 32;                // time slots; T1 channels 1..24, E1 1..15 and 17..31
 constexpr uint32_t kSaFirst = 4, kSaLast = 8;  // Sa4..Sa8
 
 struct Span : ObjectState {
     uint32_t mode = kModeT1, loop = kLoopNone, termination = RYN_VB_T1E1_TERMINATION_100_OHM, monitor = 0,
              transmit = RYN_VB_T1E1_TRANSMITTER_ON, alarms = 0;
     uint32_t prbsPattern = RYN_VB_T1E1_PRBS_OFF, prbsInverted = 0, dataLink = 0;
-    std::array<uint8_t, kT1Config> t1Config{};
-    std::array<uint8_t, kE1Config> e1Config{};
+    std::array<uint8_t, kT1ConfigurationSize> t1Config{};
+    std::array<uint8_t, kE1ConfigurationSize> e1Config{};
     std::array<uint8_t, kSlots> signalling{};  // transmitted ABCD nibble per time slot
     std::array<uint8_t, kSaLast + 1> sa{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
     std::array<uint8_t, 2> si{0xFF, 0xFF};
@@ -89,7 +92,8 @@ uint32_t status(Board &board, Object &span) {
     // A span without frame alignment sends RAI by itself.
     const bool fromFramed = &from == &l.self || framed(Link{l.far, l.self});
     if ((from.alarms & kAlarmRai) != 0 || !fromFramed) word |= kStatusRai;
-    if (l.self.prbsPattern != RYN_VB_T1E1_PRBS_OFF && from.prbsPattern == l.self.prbsPattern && from.prbsInverted == l.self.prbsInverted)
+    if (l.self.prbsPattern != RYN_VB_T1E1_PRBS_OFF && from.prbsPattern == l.self.prbsPattern &&
+        from.prbsInverted == l.self.prbsInverted)
         word |= kStatusPrbsSync;
     return word;
 }
@@ -134,18 +138,18 @@ Span &spanOf(Call &call) { return call.object->as<Span>(); }
 
 // ---- Settings -------------------------------------------------------------
 
-// A setting of one 32-bit value at 20, from 0 to Last.
-template <uint32_t Span::*Field, uint32_t Last>
+// A setting of one 32-bit value, from 0 to Last.
+template <typename W, uint32_t Span::*Field, uint32_t Last>
 uint32_t setValue(Call &call) {
-    const uint32_t value = call.in.u32(20);
+    const uint32_t value = call.in.u32(W::kValue);
     if (value > Last) return VB_FAILURE(kOutOfRange);
     spanOf(call).*Field = value;
     return 0;
 }
 
-template <bool On>
+template <typename W, bool On>
 uint32_t alarm(Call &call) {
-    const uint32_t mask = call.in.u32(20);
+    const uint32_t mask = call.in.u32(W::kValue);
     if (mask == 0 || (mask & ~kAlarmsAll) != 0) return VB_FAILURE(kOutOfRange);
     uint32_t &alarms = spanOf(call).alarms;
     alarms = On ? alarms | mask : alarms & ~mask;
@@ -159,7 +163,7 @@ uint32_t forceResynch(Call &call) {
 
 // A pattern (RYN_VB_T1E1_PRBS_...), then 0 normal, 1 inverted.
 uint32_t setPrbs(Call &call) {
-    const uint32_t pattern = call.in.u32(20), inverted = call.in.u32(24);
+    const uint32_t pattern = call.in.u32(SetPrbsConfig::kParam1), inverted = call.in.u32(SetPrbsConfig::kParam2);
     if (pattern > RYN_VB_T1E1_PRBS_23 || inverted > 1) return VB_FAILURE(kOutOfRange);
     spanOf(call).prbsPattern = pattern;
     spanOf(call).prbsInverted = inverted;
@@ -168,7 +172,7 @@ uint32_t setPrbs(Call &call) {
 
 // Inserts a bit error or a code violation in the transmitted signal.
 uint32_t insertDefect(Call &call) {
-    const uint32_t defect = call.in.u32(20);
+    const uint32_t defect = call.in.u32(InsertSingleBitDefect::kValue);
     if (defect > RYN_VB_T1E1_DEFECT_CODE_VIOLATION) return VB_FAILURE(kOutOfRange);
     const Span *self = &spanOf(call);
     for (uint32_t id = 0; id < 2; ++id) {
@@ -181,21 +185,21 @@ uint32_t insertDefect(Call &call) {
     return 0;
 }
 
-template <size_t N, std::array<uint8_t, N> Span::*Record>
+template <typename W, std::array<uint8_t, W::kRecordSize> Span::*Record>
 uint32_t setRecord(Call &call) {
-    const auto bytes = call.in.bytes(20, N);
+    const auto bytes = call.in.bytes(W::kRecord, W::kRecordSize);
     std::copy(bytes.begin(), bytes.end(), (spanOf(call).*Record).begin());
     return 0;
 }
 
-template <size_t N, std::array<uint8_t, N> Span::*Record>
+template <typename W, std::array<uint8_t, W::kRecordSize> Span::*Record>
 uint32_t getRecord(Call &call) {
-    call.out.write(8, (spanOf(call).*Record).data(), N);
+    call.out.write(W::kReplyRecord, (spanOf(call).*Record).data(), W::kRecordSize);
     return 0;
 }
 
 uint32_t getStatus(Call &call) {
-    call.out.u32(8, status(call.board, *call.object));
+    call.out.u32(GetLayer1Status::kReplyStatus, status(call.board, *call.object));
     return 0;
 }
 
@@ -207,10 +211,11 @@ uint32_t getStatusEx(Call &call) {
     const Link l = linkOf(call.board, *call.object);
     const uint32_t word = status(call.board, *call.object);
     const bool autoRai = !framed(l);
-    call.out.u32(8, word).u32(12, s.alarms | (autoRai ? kAlarmRai : 0));
-    call.out.u16(16, s.bitErrors).u16(18, s.codeViolations).u32(20, s.resynchs);
+    constexpr uint32_t at = GetLayer1StatusEx::kReplyRecord;
+    call.out.u32(at, word).u32(at + 4, s.alarms | (autoRai ? kAlarmRai : 0));
+    call.out.u16(at + 8, s.bitErrors).u16(at + 10, s.codeViolations).u32(at + 12, s.resynchs);
     const uint8_t settings[] = {uint8_t(s.mode), uint8_t(s.loop), uint8_t(s.termination), uint8_t(s.monitor)};
-    call.out.write(24, settings, sizeof settings);
+    call.out.write(at + 16, settings, sizeof settings);
     return 0;
 }
 
@@ -230,94 +235,98 @@ bool slotOf(uint32_t mode, uint32_t slot) {
 // A 16-byte record holds the nibble of time slot n in byte n / 2, the low
 // nibble first; the nibbles of slots the mode does not use are ignored and
 // read as 0.
+template <typename W>
 uint32_t setBitRecord(Call &call) {
     Span &s = spanOf(call);
     for (uint32_t slot = 0; slot < kSlots; ++slot)
-        if (slotOf(s.mode, slot)) s.signalling[slot] = (call.in.u8(20 + slot / 2) >> (4 * (slot % 2))) & 0x0F;
+        if (slotOf(s.mode, slot)) s.signalling[slot] = (call.in.u8(W::kRecord + slot / 2) >> (4 * (slot % 2))) & 0x0F;
     return 0;
 }
 
+template <typename W>
 uint32_t getBitRecord(Call &call) {
     const auto bits = receivedSignalling(call.board, *call.object);
-    std::array<uint8_t, kBitRecord> record{};
+    std::array<uint8_t, W::kRecordSize> record{};
     for (uint32_t slot = 0; slot < kSlots; ++slot)
         if (slotOf(spanOf(call).mode, slot)) record[slot / 2] |= uint8_t(bits[slot] << (4 * (slot % 2)));
-    call.out.write(8, record.data(), kBitRecord);
+    call.out.write(W::kReplyRecord, record.data(), W::kRecordSize);
     return 0;
 }
 
+template <typename W>
 uint32_t setSlot(Call &call) {
-    const uint32_t slot = call.in.u32(20);
-    const uint8_t bits = call.in.u8(24);
+    const uint32_t slot = call.in.u32(W::kChannel);
+    const uint8_t bits = call.in.u8(W::kValue);
     if (!slotOf(spanOf(call).mode, slot) || bits > 0x0F) return VB_FAILURE(kOutOfRange);
     spanOf(call).signalling[slot] = bits;
     return 0;
 }
 
+template <typename W>
 uint32_t getSlot(Call &call) {
-    const uint32_t slot = call.in.u32(20);
+    const uint32_t slot = call.in.u32(W::kChannel);
     if (!slotOf(spanOf(call).mode, slot)) return VB_FAILURE(kOutOfRange);
-    call.out.u8(8, receivedSignalling(call.board, *call.object)[slot]);
+    call.out.u8(W::kReplyValue, receivedSignalling(call.board, *call.object)[slot]);
     return 0;
 }
 
 uint32_t setSa(Call &call) {
-    const uint32_t selector = call.in.u32(20);
+    const uint32_t selector = call.in.u32(E1SetSaBit::kSelector);
     if (selector < kSaFirst || selector > kSaLast) return VB_FAILURE(kOutOfRange);
-    spanOf(call).sa[selector] = call.in.u8(24);
+    spanOf(call).sa[selector] = call.in.u8(E1SetSaBit::kValue);
     return 0;
 }
 
 uint32_t getSa(Call &call) {
-    const uint32_t selector = call.in.u32(20);
+    const uint32_t selector = call.in.u32(E1GetSaBit::kSelector);
     if (selector < kSaFirst || selector > kSaLast) return VB_FAILURE(kOutOfRange);
     const Span *from = received(call.board, *call.object);
-    call.out.u8(8, from != nullptr ? from->sa[selector] : 0);
+    call.out.u8(E1GetSaBit::kReplyValue, from != nullptr ? from->sa[selector] : 0);
     return 0;
 }
 
 uint32_t setSi(Call &call) {
-    spanOf(call).si = {call.in.u8(20), call.in.u8(21)};
+    spanOf(call).si = {call.in.u8(E1SetSiBit::kValue1), call.in.u8(E1SetSiBit::kValue2)};
     return 0;
 }
 
 uint32_t getSi(Call &call) {
     const Span *from = received(call.board, *call.object);
-    if (from != nullptr) call.out.u8(8, from->si[0]).u8(9, from->si[1]);
+    if (from != nullptr) call.out.u8(E1GetSiBit::kReplyValue1, from->si[0]).u8(E1GetSiBit::kReplyValue2, from->si[1]);
     return 0;
 }
 
 using S = Span;
 constexpr Row kRows[] = {
-    {0x99A, 24, 12, settled<setValue<&S::mode, kModeE1>>},
-    {0x99B, 20 + kT1Config, 12, settled<setRecord<kT1Config, &S::t1Config>>},
-    {0x99C, 20, 12 + kT1Config, settled<getRecord<kT1Config, &S::t1Config>>},
-    {0x99D, 20 + kE1Config, 12, settled<setRecord<kE1Config, &S::e1Config>>},
-    {0x99E, 20, 12 + kE1Config, settled<getRecord<kE1Config, &S::e1Config>>},
-    {0x99F, 24, 12, settled<alarm<true>>},
-    {0x9A0, 24, 12, settled<alarm<false>>},
-    {0x9A1, 24, 12, settled<setValue<&S::loop, kLoopRemote>>},
-    {0x9A2, 20, 12, settled<forceResynch>},
-    {0x9A3, 20, 16, settled<getStatus>},
-    {0x9A4, 24, 12, settled<setValue<&S::transmit, RYN_VB_T1E1_TRANSMITTER_ON>>},
-    {0x9A5, 24, 12, settled<setValue<&S::termination, RYN_VB_T1E1_TERMINATION_75_OHM>>},
-    {0x9A6, 24, 12, settled<setValue<&S::monitor, 1>>},
-    {0x9A7, 28, 12, settled<setPrbs>},
-    {0x9A8, 20 + kBitRecord, 12, settled<inMode<kModeT1, setBitRecord>>},
-    {0x9A9, 20, 12 + kBitRecord, settled<inMode<kModeT1, getBitRecord>>},
-    {0x9AA, 20 + kBitRecord, 12, settled<inMode<kModeE1, setBitRecord>>},
-    {0x9AB, 20, 12 + kBitRecord, settled<inMode<kModeE1, getBitRecord>>},
-    {0x9AC, 24, 16, settled<inMode<kModeE1, getSa>>},
-    {0x9AD, 26, 12, settled<inMode<kModeE1, setSa>>},
-    {0x9AE, 20, 14, settled<inMode<kModeE1, getSi>>},
-    {0x9AF, 22, 12, settled<inMode<kModeE1, setSi>>},
-    {0x9BF, 26, 12, settled<inMode<kModeT1, setSlot>>},
-    {0x9C0, 24, 14, settled<inMode<kModeT1, getSlot>>},
-    {0x9C1, 26, 12, settled<inMode<kModeE1, setSlot>>},
-    {0x9C2, 24, 14, settled<inMode<kModeE1, getSlot>>},
-    {0x9C3, 24, 12, settled<inMode<kModeT1, setValue<&S::dataLink, 0xFFFFFFFFu>>>},
-    {0x9C4, 24, 12, settled<insertDefect>},
-    {0x9C5, 20, 12 + kStatusEx, settled<getStatusEx>},
+    row<SetLiMode>(settled<setValue<SetLiMode, &S::mode, kModeE1>>),
+    row<T1SetConfiguration>(settled<setRecord<T1SetConfiguration, &S::t1Config>>),
+    row<T1GetConfiguration>(settled<getRecord<T1GetConfiguration, &S::t1Config>>),
+    row<E1SetConfiguration>(settled<setRecord<E1SetConfiguration, &S::e1Config>>),
+    row<E1GetConfiguration>(settled<getRecord<E1GetConfiguration, &S::e1Config>>),
+    row<AlarmOn>(settled<alarm<AlarmOn, true>>),
+    row<AlarmOff>(settled<alarm<AlarmOff, false>>),
+    row<SetLineLoop>(settled<setValue<SetLineLoop, &S::loop, kLoopRemote>>),
+    row<ForceResynch>(settled<forceResynch>),
+    row<GetLayer1Status>(settled<getStatus>),
+    row<XmitPinControl>(settled<setValue<XmitPinControl, &S::transmit, RYN_VB_T1E1_TRANSMITTER_ON>>),
+    row<SetLineTermination>(settled<setValue<SetLineTermination, &S::termination, RYN_VB_T1E1_TERMINATION_75_OHM>>),
+    row<SetMonitorMode>(settled<setValue<SetMonitorMode, &S::monitor, 1>>),
+    row<SetPrbsConfig>(settled<setPrbs>),
+    row<T1SetRobBitData>(settled<inMode<kModeT1, setBitRecord<T1SetRobBitData>>>),
+    row<T1GetRobBitData>(settled<inMode<kModeT1, getBitRecord<T1GetRobBitData>>>),
+    row<E1SetABCDBit>(settled<inMode<kModeE1, setBitRecord<E1SetABCDBit>>>),
+    row<E1GetABCDBit>(settled<inMode<kModeE1, getBitRecord<E1GetABCDBit>>>),
+    row<E1GetSaBit>(settled<inMode<kModeE1, getSa>>),
+    row<E1SetSaBit>(settled<inMode<kModeE1, setSa>>),
+    row<E1GetSiBit>(settled<inMode<kModeE1, getSi>>),
+    row<E1SetSiBit>(settled<inMode<kModeE1, setSi>>),
+    row<T1SetChannelizedRobBitData>(settled<inMode<kModeT1, setSlot<T1SetChannelizedRobBitData>>>),
+    row<T1GetChannelizedRobBitData>(settled<inMode<kModeT1, getSlot<T1GetChannelizedRobBitData>>>),
+    row<E1SetChannelizedABCDBit>(settled<inMode<kModeE1, setSlot<E1SetChannelizedABCDBit>>>),
+    row<E1GetChannelizedABCDBit>(settled<inMode<kModeE1, getSlot<E1GetChannelizedABCDBit>>>),
+    row<T1SetDlBitData>(settled<inMode<kModeT1, setValue<T1SetDlBitData, &S::dataLink, 0xFFFFFFFFu>>>),
+    row<InsertSingleBitDefect>(settled<insertDefect>),
+    row<GetLayer1StatusEx>(settled<getStatusEx>),
 };
 
 // ---- Attributes -----------------------------------------------------------
@@ -341,11 +350,10 @@ const Attribute kAttributes[] = {
 
 // Both spans see the reset one's return to its start at once.
 void t1e1Reset(Board &board, Object &span) {
-    span.data.reset();
+    span.data = std::make_unique<Span>();
     settle(board);
 }
 
-Table t1e1Table() { return kRows; }
-std::span<const Attribute> t1e1Attributes() { return kAttributes; }
+const Family kT1E1Family{"T1/E1 span", kRows, kAttributes, makeState<Span>, t1e1Reset};
 
 }  // namespace vb

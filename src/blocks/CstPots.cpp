@@ -4,6 +4,7 @@
 // leave the handle to the driver.
 #include <span>
 
+#include "CstPotsWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 #include "device/HandleKinds.h"
@@ -37,16 +38,19 @@ std::span<const DaaWrite> daaSequence(int32_t daaMode) {
 }
 
 // Two 32-bit settings after the handle; plain reply.
-ResultCode sendTwo(uint32_t function, DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    Request<28, 12> request(function);
-    request.put<16>(handle).put<20>(param1).put<24>(param2);
+template <typename Wire>
+ResultCode sendTwo(DeviceHandle handle, uint32_t param1, uint32_t param2) {
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle).template put<Wire::kParam1>(param1).template put<Wire::kParam2>(param2);
     return request.send();
 }
 
 // Three 32-bit settings after the handle; plain reply.
-ResultCode sendThree(uint32_t function, DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3) {
-    Request<32, 12> request(function);
-    request.put<16>(handle).put<20>(param1).put<24>(param2).put<28>(param3);
+template <typename Wire>
+ResultCode sendThree(DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3) {
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle).template put<Wire::kParam1>(param1).template put<Wire::kParam2>(param2);
+    request.template put<Wire::kParam3>(param3);
     return request.send();
 }
 
@@ -60,16 +64,18 @@ extern "C" {
 ResultCode RYN_DECORATED(RynCstPotsWriteDaa, 24)(DeviceHandle handle, uint32_t param1, uint32_t param2,
                                                  uint8_t daaRegister, uint8_t daaValue, uint32_t *status) {
     if (status == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<30, 16> request(0x9B4);
-    request.put<16>(handle).put<20>(param1).put<24>(param2).put8<28>(daaRegister).put8<29>(daaValue);
+    using Wire = wire::cst_pots::WriteDaa;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1).put<Wire::kParam2>(param2);
+    request.put8<Wire::kDaaRegister>(daaRegister).put8<Wire::kDaaValue>(daaValue);
     const ResultCode result = request.send();
-    *status = request.get<8>();
+    *status = request.get<Wire::kReplyStatus>();
     return result;
 }
 
 ResultCode RYN_DECORATED(RynCstPotsInit, 12)(DeviceHandle handle, uint32_t param1, int32_t daaMode) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    ResultCode result = sendTwo(0x9A9, handle, param1, static_cast<uint32_t>(daaMode));
+    ResultCode result = sendTwo<wire::cst_pots::Init>(handle, param1, static_cast<uint32_t>(daaMode));
     if (daaMode == 0 || isFailure(result)) return result;
     const std::span<const DaaWrite> writes = daaSequence(daaMode);
     for (size_t i = 0; i < writes.size(); ++i) {
@@ -85,29 +91,29 @@ ResultCode RYN_DECORATED(RynCstPotsInit, 12)(DeviceHandle handle, uint32_t param
 }
 
 ResultCode RYN_DECORATED(RynCstPotsOffHook, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendTwo(0x9AA, handle, param1, param2);
+    return sendTwo<wire::cst_pots::OffHook>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstPotsOnHook, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendTwo(0x9AB, handle, param1, param2);
+    return sendTwo<wire::cst_pots::OnHook>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstPotsHookFlash, 16)(DeviceHandle handle, uint32_t param1, uint32_t param2,
                                                   uint32_t param3) {
-    return sendThree(0x9AC, handle, param1, param2, param3);
+    return sendThree<wire::cst_pots::HookFlash>(handle, param1, param2, param3);
 }
 
 ResultCode RYN_DECORATED(RynCstPotsPulseDial, 16)(DeviceHandle handle, uint32_t param1, uint32_t param2,
                                                   uint32_t param3) {
-    return sendThree(0x9AD, handle, param1, param2, param3);
+    return sendThree<wire::cst_pots::PulseDial>(handle, param1, param2, param3);
 }
 
 ResultCode RYN_DECORATED(RynCstPotsOnHookLineMon, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendTwo(0x9AE, handle, param1, param2);
+    return sendTwo<wire::cst_pots::OnHookLineMon>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstPotsSenseLine, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendTwo(0x9AF, handle, param1, param2);
+    return sendTwo<wire::cst_pots::SenseLine>(handle, param1, param2);
 }
 
 }  // extern "C"

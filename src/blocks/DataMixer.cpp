@@ -1,5 +1,6 @@
 // Data converter and data mixer blocks. The converter is set up through the
 // driver like the other blocks; the mixer's set-up is not provided.
+#include "DataMixerWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 #include "device/HandleKinds.h"
@@ -18,8 +19,9 @@ extern "C" {
 
 ResultCode RYN_DECORATED(RynDataConverterInit, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<28, 12> request(0x99A);
-    request.put<16>(handle).put<20>(param1).put<24>(param2);
+    using Wire = wire::data_mixer::ConverterInit;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1).put<Wire::kParam2>(param2);
     return request.send();
 }
 

@@ -17,6 +17,7 @@
 // tone table has a code of its own (error 9).
 #include <cstring>
 
+#include "TelephonyWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 #include "device/HandleKinds.h"
@@ -25,91 +26,87 @@ namespace ryn {
 namespace {
 
 constexpr uint8_t kSourceId = source::kTelephony;
-constexpr int32_t kMaxDigits = 127;      // of the 128-byte digit area
-constexpr int32_t kMaxMixEntries = 128;  // slots of each mixer list
-constexpr int16_t kVadWords = 13;        // words of the voice activity parameter block
+constexpr int32_t kMaxDigits = 127;  // of the 128-byte digit area
 
-// The extended call-progress request: offsets 28..697 are one zeroed block
-// of 335 words, with the value list, the table, the segment records, the
-// extra block and the step data area in fixed slots.
-constexpr uint32_t kCptBlockStart = 28;
-constexpr uint32_t kCptBlockBytes = 670;
-constexpr int16_t kMaxValues = 32;        // slots of the value list at 36
-constexpr int16_t kMaxSegments = 16;      // segment records at 128
-constexpr uint32_t kStepAreaWords = 210;  // step data area at 272
-constexpr uint32_t kTableWords = 13;      // table words at 102; 11: value count, 12: segment count
+using Cpt = wire::telephony::CptDetectorInitEx;
+using Mixer = wire::telephony::VoiceMixerInitEx;
+using Vad = wire::telephony::VoiceActivityDetectorInitEx;
+constexpr int32_t kMaxMixEntries = Mixer::kSlots;
+constexpr int16_t kVadWords = Vad::kParamWords;  // word 0 of the parameter block must say so
+constexpr int16_t kMaxValues = Cpt::kValueSlots;
+constexpr int16_t kMaxSegments = Cpt::kSegmentSlots;
 
 // The zeroed block of the extended call-progress request, written at offsets
 // of the request that are known only while the caller's table is read.
 struct CptBlock {
-    uint8_t bytes[kCptBlockBytes]{};
+    uint8_t bytes[Cpt::kBlockBytes]{};
 
     // Offsets of the request, inside the block: the difference is taken
     // before it is added to the block's address.
-    void put16(uint32_t offset, uint16_t value) { store16(bytes + (offset - kCptBlockStart), value); }
+    void put16(uint32_t offset, uint16_t value) { store16(bytes + (offset - Cpt::kBlock), value); }
     void putBytes(uint32_t offset, const void *from, uint32_t length) {
-        std::memcpy(bytes + (offset - kCptBlockStart), from, length);
+        std::memcpy(bytes + (offset - Cpt::kBlock), from, length);
     }
 };
 
 // Settings after the handle, 32 bits each, in order; plain reply.
-template <class... Settings>
-ResultCode sendSettings(uint32_t function, DeviceHandle handle, Settings... settings) {
+template <typename Wire, class... Settings>
+ResultCode sendSettings(DeviceHandle handle, Settings... settings) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
     const uint32_t values[] = {settings...};
-    Request<20 + sizeof values, 12> request(function);
-    request.template put<16>(handle).template putBytes<20, sizeof values>(values, sizeof values);
+    static_assert(Wire::kParam1 + sizeof values == Wire::kRequest, "one setting for each field");
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle).template putBytes<Wire::kParam1, sizeof values>(values, sizeof values);
     return request.send();
 }
 
-// A block's status at reply offset 8 (32 or 8 bits), result at 12; the
-// status is written whatever the result.
-template <class Status>
-ResultCode readStatus(uint32_t function, DeviceHandle handle, Status *status) {
+// A block's status (32 or 8 bits), written whatever the result.
+template <typename Wire, class Status>
+ResultCode readStatus(DeviceHandle handle, Status *status) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
     if (status == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<20, 16> request(function);
-    request.template put<16>(handle);
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle);
     const ResultCode result = request.send();
-    std::memcpy(status, request.template replyBytes<8, sizeof(Status)>(), sizeof(Status));
+    std::memcpy(status, request.template replyBytes<Wire::kReplyStatus, sizeof(Status)>(), sizeof(Status));
     return result;
 }
 
 // Gathers the one tone table into the block: its settings, the value list,
-// the extra block (or the flag at 692 that it is missing), then each
-// segment's record and steps, packed one after the other into the step data
-// area. Returns 0, or the code of the first refused count or pointer.
+// the extra block (or the flag that it is missing), then each segment's
+// record and steps, packed one after the other into the step area. Returns
+// 0, or the code of the first refused count or pointer.
 ResultCode gatherToneTable(const CptToneTable &table, CptBlock &block) {
-    block.put16(100, table.tableSetting);
-    block.putBytes(102, table.tableWords, 2 * kTableWords);
-    const auto valueCount = static_cast<int16_t>(table.tableWords[11]);
+    block.put16(Cpt::kTableSetting, table.tableSetting);
+    block.putBytes(Cpt::kTableWords, table.tableWords, 2 * Cpt::kTableWordCount);
+    const auto valueCount = static_cast<int16_t>(table.tableWords[Cpt::kValueCountWord]);
     if (valueCount < 1 || valueCount > kMaxValues) return RYN_FAILURE(kErrRange);
     if (table.values == nullptr) return RYN_FAILURE(kErrNullPointer);
-    block.putBytes(36, table.values, 2 * static_cast<uint32_t>(valueCount));
+    block.putBytes(Cpt::kValues, table.values, 2 * static_cast<uint32_t>(valueCount));
     if (table.extraBlock != nullptr) {
-        block.putBytes(256, table.extraBlock, 16);
+        block.putBytes(Cpt::kExtraBlock, table.extraBlock, Cpt::kExtraBlockBytes);
     } else {
-        block.put16(692, 1);
+        block.put16(Cpt::kNoExtraBlock, 1);
     }
 
-    const auto segmentCount = static_cast<int16_t>(table.tableWords[12]);
+    const auto segmentCount = static_cast<int16_t>(table.tableWords[Cpt::kSegmentCountWord]);
     if (segmentCount > kMaxSegments) return RYN_FAILURE(kErrRange);
     if (segmentCount > 0 && table.segments == nullptr) return RYN_FAILURE(kErrNullPointer);
-    const uint32_t stepWords = 3 + (static_cast<uint32_t>(valueCount) + 3) / 4;
-    uint32_t start = 0;  // in words from offset 272
+    const uint32_t stepWords = Cpt::stepWords(static_cast<uint32_t>(valueCount));
+    uint32_t start = 0;  // in words from the step area's start
     for (int16_t j = 0; j < segmentCount; ++j) {
         const CptSegment &segment = table.segments[j];
-        const uint32_t steps = segment.stepCount & 0xFFu;
+        const uint32_t steps = segment.stepCount & Cpt::kMaxStepCount;
         const uint32_t length = steps * stepWords;
-        if (start + length > kStepAreaWords) return RYN_FAILURE(kErrRange);
-        const uint32_t record = 128 + 8 * static_cast<uint32_t>(j);
-        block.put16(record, segment.segmentId);
-        block.put16(record + 2, static_cast<uint16_t>(steps));
-        block.put16(record + 4, static_cast<uint16_t>(start));
-        block.put16(record + 6, static_cast<uint16_t>(length));
+        if (start + length > Cpt::kStepAreaWords) return RYN_FAILURE(kErrRange);
+        const uint32_t record = Cpt::kSegments + Cpt::kSegmentBytes * static_cast<uint32_t>(j);
+        block.put16(record + Cpt::kSegmentId, segment.segmentId);
+        block.put16(record + Cpt::kSegmentStepCount, static_cast<uint16_t>(steps));
+        block.put16(record + Cpt::kSegmentStart, static_cast<uint16_t>(start));
+        block.put16(record + Cpt::kSegmentWords, static_cast<uint16_t>(length));
         if (length == 0) continue;
         if (segment.steps == nullptr) return RYN_FAILURE(kErrNullPointer);
-        block.putBytes(272 + 2 * start, segment.steps, 2 * length);
+        block.putBytes(Cpt::kSteps + 2 * start, segment.steps, 2 * length);
         start += length;
     }
     return 0;
@@ -123,7 +120,7 @@ using namespace ryn;
 extern "C" {
 
 ResultCode RYN_DECORATED(RynCstDtmfDialerInit, 8)(DeviceHandle handle, uint32_t param1) {
-    return sendSettings(0x99B, handle, param1);
+    return sendSettings<wire::telephony::DtmfDialerInit>(handle, param1);
 }
 
 // At most 127 characters, although the area holds 128; the rest of the area
@@ -133,59 +130,62 @@ ResultCode RYN_DECORATED(RynCstDtmfDial, 20)(DeviceHandle handle, const char *di
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
     if (digitCount < 0 || digitCount > kMaxDigits) return RYN_FAILURE(kErrRange);
     if (digits == nullptr && digitCount > 0) return RYN_FAILURE(kErrNullPointer);
-    Request<160, 12> request(0x99C);
-    request.put<16>(handle).putBytes<20, 128>(digits, static_cast<uint32_t>(digitCount));
-    request.put<148>(static_cast<uint32_t>(digitCount)).put<152>(param3).put<156>(param4);
+    using Wire = wire::telephony::DtmfDial;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).putBytes<Wire::kDigits, Wire::kDigitBytes>(digits,
+                                                                                  static_cast<uint32_t>(digitCount));
+    request.put<Wire::kCount>(static_cast<uint32_t>(digitCount)).put<Wire::kParam3>(param3);
+    request.put<Wire::kParam4>(param4);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynCstVoiceActivityDetectorInit, 8)(DeviceHandle handle, uint32_t param1) {
-    return sendSettings(0x99D, handle, param1);
+    return sendSettings<wire::telephony::VoiceActivityDetectorInit>(handle, param1);
 }
 
 ResultCode RYN_DECORATED(RynCstVoiceActivityDetectorStatus, 8)(DeviceHandle handle, uint32_t *status) {
-    return readStatus(0x99E, handle, status);
+    return readStatus<wire::telephony::VoiceActivityDetectorStatus>(handle, status);
 }
 
 ResultCode RYN_DECORATED(RynCstDtmfDetectorInit, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendSettings(0x99F, handle, param1, param2);
+    return sendSettings<wire::telephony::DtmfDetectorInit>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstDtmfDetectorStatus, 8)(DeviceHandle handle, uint8_t *status) {
-    return readStatus(0x9A0, handle, status);
+    return readStatus<wire::telephony::DtmfDetectorStatus>(handle, status);
 }
 
 ResultCode RYN_DECORATED(RynCstComfortNoiseGeneratorInit, 8)(DeviceHandle handle, uint32_t param1) {
-    return sendSettings(0x9A2, handle, param1);
+    return sendSettings<wire::telephony::ComfortNoiseGeneratorInit>(handle, param1);
 }
 
 ResultCode RYN_DECORATED(RynCstVoiceMixerInit, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendSettings(0x9A3, handle, param1, param2);
+    return sendSettings<wire::telephony::VoiceMixerInit>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstEchoCancelInit, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendSettings(0x9A4, handle, param1, param2);
+    return sendSettings<wire::telephony::EchoCancelInit>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstCptDetectorInit, 16)(DeviceHandle handle, uint32_t param1, uint32_t param2,
                                                     uint32_t param3) {
-    return sendSettings(0x9A5, handle, param1, param2, param3);
+    return sendSettings<wire::telephony::CptDetectorInit>(handle, param1, param2, param3);
 }
 
 ResultCode RYN_DECORATED(RynCstCptDetectorStatus, 8)(DeviceHandle handle, uint32_t *status) {
-    return readStatus(0x9A6, handle, status);
+    return readStatus<wire::telephony::CptDetectorStatus>(handle, status);
 }
 
 ResultCode RYN_DECORATED(RynCstCptGeneratorInit, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendSettings(0x9A7, handle, param1, param2);
+    return sendSettings<wire::telephony::CptGeneratorInit>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstCptGenerateTone, 8)(DeviceHandle handle, uint32_t param1) {
-    return sendSettings(0x9A8, handle, param1);
+    return sendSettings<wire::telephony::CptGenerateTone>(handle, param1);
 }
 
 ResultCode RYN_DECORATED(RynCstCidDetectorInit, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendSettings(0x9B0, handle, param1, param2);
+    return sendSettings<wire::telephony::CidDetectorInit>(handle, param1, param2);
 }
 
 // Up to 128 entries of each list; a negative count copies none and travels
@@ -196,9 +196,10 @@ ResultCode RYN_DECORATED(RynCstVoiceMixerInitEx, 24)(DeviceHandle handle, const 
     if (mixCount > kMaxMixEntries) return RYN_FAILURE(kErrRange);
     const uint32_t entries = mixCount < 0 ? 0 : static_cast<uint32_t>(mixCount);
     if (entries > 0 && (mixItems == nullptr || mixValues == nullptr)) return RYN_FAILURE(kErrNullPointer);
-    Request<798, 12> request(0x9B1);
-    request.put<16>(handle).putBytes<20, 512>(mixItems, 4 * entries).put<532>(param2);
-    request.putBytes<536, 256>(mixValues, 2 * entries).put16<792>(param4).put<794>(static_cast<uint32_t>(mixCount));
+    RequestOf<Mixer> request;
+    request.put<wire::kHandle>(handle).putBytes<Mixer::kItems, 4 * Mixer::kSlots>(mixItems, 4 * entries);
+    request.put<Mixer::kParam2>(param2).putBytes<Mixer::kValues, 2 * Mixer::kSlots>(mixValues, 2 * entries);
+    request.put16<Mixer::kParam4>(param4).put<Mixer::kCount>(static_cast<uint32_t>(mixCount));
     return request.send();
 }
 
@@ -215,11 +216,13 @@ ResultCode RYN_DECORATED(RynCstCptDetectorInitEx, 20)(DeviceHandle handle, uint3
     if (config->tableCount == 1) {
         if (const ResultCode refused = gatherToneTable(*config->toneTable, block); refused != 0) return refused;
     }
-    Request<702, 12> request(0x9B2);
-    request.put<16>(handle).put<20>(param1).put<24>(param2);
-    request.putBytes<kCptBlockStart, kCptBlockBytes>(block.bytes, kCptBlockBytes);
-    request.put16<28>(kCptBlockBytes / 2).put16<32>(config->setting1).put16<34>(config->setting2);
-    request.put16<694>(static_cast<uint16_t>(config->tableCount)).put16<696>(config->setting3).put<698>(param4);
+    RequestOf<Cpt> request;
+    request.put<wire::kHandle>(handle).put<Cpt::kParam1>(param1).put<Cpt::kParam2>(param2);
+    request.putBytes<Cpt::kBlock, Cpt::kBlockBytes>(block.bytes, Cpt::kBlockBytes);
+    request.put16<Cpt::kBlockLength>(Cpt::kBlockWords);
+    request.put16<Cpt::kSetting1>(config->setting1).put16<Cpt::kSetting2>(config->setting2);
+    request.put16<Cpt::kTableCount>(static_cast<uint16_t>(config->tableCount));
+    request.put16<Cpt::kSetting3>(config->setting3).put<Cpt::kParam4>(param4);
     return request.send();
 }
 
@@ -229,8 +232,9 @@ ResultCode RYN_DECORATED(RynCstVoiceActivityDetectorInitEx, 12)(DeviceHandle han
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
     if (params == nullptr) return RYN_FAILURE(kErrNullPointer);
     if (params[0] != kVadWords) return RYN_FAILURE(kErrRange);
-    Request<50, 12> request(0x9B3);
-    request.put<16>(handle).putBytes<20, 2 * kVadWords>(params, 2 * kVadWords).put<46>(param2);
+    RequestOf<Vad> request;
+    request.put<wire::kHandle>(handle).putBytes<Vad::kParams, 2 * Vad::kParamWords>(params, 2 * Vad::kParamWords);
+    request.put<Vad::kParam2>(param2);
     return request.send();
 }
 

@@ -13,6 +13,7 @@
 // null value pointer, is refused with error 10 and nothing is sent.
 #include <algorithm>
 
+#include "ToneWire.h"
 #include "blocks/ToneMath.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
@@ -22,31 +23,34 @@ namespace ryn {
 namespace {
 
 constexpr uint8_t kSourceId = source::kTone;
+using Sine = wire::tone::SineWaveGeneratorInit;
 constexpr int32_t kMaxDigits = 127;   // of the 128-byte digit area
 constexpr int32_t kMaxEntries = 127;  // of the 128-entry sequence area
-constexpr uint32_t kMaxTones = 5;     // oscillator slots of the sine-wave request
-constexpr uint32_t kSlotBytes = 6;
 
 // Dial calls: up to 127 characters in the 128-byte area, count and settings.
-ResultCode sendDial(uint32_t function, DeviceHandle handle, const char *digits, int32_t digitCount, uint32_t param3,
-                    uint32_t param4) {
+template <typename Wire>
+ResultCode sendDial(DeviceHandle handle, const char *digits, int32_t digitCount, uint32_t param3, uint32_t param4) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
     if (digitCount < 0 || digitCount > kMaxDigits) return RYN_FAILURE(kErrRange);
     if (digits == nullptr && digitCount > 0) return RYN_FAILURE(kErrNullPointer);
-    Request<160, 12> request(function);
-    request.put<16>(handle).putBytes<20, 128>(digits, static_cast<uint32_t>(digitCount));
-    request.put<148>(static_cast<uint32_t>(digitCount)).put<152>(param3).put<156>(param4);
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle).template putBytes<Wire::kDigits, Wire::kDigitBytes>(
+        digits, static_cast<uint32_t>(digitCount));
+    request.template put<Wire::kCount>(static_cast<uint32_t>(digitCount));
+    request.template put<Wire::kParam3>(param3).template put<Wire::kParam4>(param4);
     return request.send();
 }
 
-// Value reads: the 16-bit value at reply offset 8, stored whatever the result.
-ResultCode readValue(uint32_t function, DeviceHandle handle, uint16_t *value) {
+// Value reads: the 16-bit value, stored whatever the result; the result is
+// the reply's last 32-bit word, just after it.
+template <typename Wire>
+ResultCode readValue(DeviceHandle handle, uint16_t *value) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
     if (value == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<20, 14> request(function);
-    request.put<16>(handle);
-    const ResultCode result = request.sendWithResultAt<10>(kStandardTransport);
-    *value = request.get16<8>();
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle);
+    const ResultCode result = request.send();
+    *value = request.template get16<Wire::kReplyValue>();
     return result;
 }
 
@@ -59,8 +63,9 @@ extern "C" {
 
 ResultCode RYN_DECORATED(RynToneConstValGeneratorInit, 12)(DeviceHandle handle, uint32_t param1, uint16_t value) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<26, 12> request(0x99A);
-    request.put<16>(handle).put<20>(param1).put16<24>(value);
+    using Wire = wire::tone::ConstValGeneratorInit;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1).put16<Wire::kValue>(value);
     return request.send();
 }
 
@@ -68,20 +73,23 @@ ResultCode RYN_DECORATED(RynToneConstValGeneratorInit, 12)(DeviceHandle handle, 
 // 16-bit field is not used.
 ResultCode RYN_DECORATED(RynToneValSamplerInit, 8)(DeviceHandle handle, uint32_t param1) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<26, 12> request(0x9AB);
-    request.put<16>(handle).put<20>(param1);
+    using Wire = wire::tone::ValSamplerInit;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynToneValSamplerReadData, 8)(DeviceHandle handle, uint16_t *value) {
-    return readValue(0x9AC, handle, value);
+    return readValue<wire::tone::ValSamplerReadData>(handle, value);
 }
 
 ResultCode RYN_DECORATED(RynToneEffectsGeneratorInit, 16)(DeviceHandle handle, uint32_t param1, uint32_t param2,
                                                           uint32_t param3) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<32, 12> request(0x99C);
-    request.put<16>(handle).put<20>(param1).put<24>(param2).put<28>(param3);
+    using Wire = wire::tone::EffectsGeneratorInit;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1).put<Wire::kParam2>(param2);
+    request.put<Wire::kParam3>(param3);
     return request.send();
 }
 
@@ -93,23 +101,24 @@ ResultCode RYN_DECORATED(RynToneSineWaveGeneratorInit, 20)(DeviceHandle handle, 
                                                            const SineToneParams *tones, int32_t toneCount,
                                                            uint32_t param4) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    const uint32_t slots = toneCount <= 0 ? 0 : std::min(static_cast<uint32_t>(toneCount), kMaxTones);
+    const uint32_t slots = toneCount <= 0 ? 0 : std::min(static_cast<uint32_t>(toneCount), Sine::kSlotCount);
     if (tones == nullptr && slots > 0) return RYN_FAILURE(kErrNullPointer);
-    uint8_t slotBytes[kMaxTones * kSlotBytes] = {};
+    uint8_t slotBytes[Sine::kSlotCount * Sine::kSlotBytes] = {};
     for (uint32_t i = 0; i < slots; ++i) {
         const double frequency = tones[i].frequency, level = tones[i].level, phase = tones[i].phase;
         if (phase != 0.0) return RYN_FAILURE(kErrNotAvailable);
         if (!tone::isAcceptedLevel(level)) return RYN_FAILURE(kErrRange);
         if (!tone::isAcceptedFrequency(frequency)) return RYN_FAILURE(kErrRange);
         const tone::SineOscillator oscillator = tone::sineOscillator(frequency, level);
-        uint8_t *slot = slotBytes + kSlotBytes * i;
-        store16(slot, oscillator.coefficient);
-        store16(slot + 2, oscillator.firstSample);
-        store16(slot + 4, oscillator.secondSample);
+        uint8_t *slot = slotBytes + Sine::kSlotBytes * i;
+        store16(slot + Sine::kCoefficient, oscillator.coefficient);
+        store16(slot + Sine::kFirstSample, oscillator.firstSample);
+        store16(slot + Sine::kSecondSample, oscillator.secondSample);
     }
-    Request<62, 12> request(0x99D);
-    request.put<16>(handle).put<20>(param1).putBytes<24, sizeof slotBytes>(slotBytes, kSlotBytes * slots);
-    request.put<54>(static_cast<uint32_t>(toneCount)).put<58>(param4);
+    RequestOf<Sine> request;
+    request.put<wire::kHandle>(handle).put<Sine::kParam1>(param1);
+    request.putBytes<Sine::kSlots, sizeof slotBytes>(slotBytes, Sine::kSlotBytes * slots);
+    request.put<Sine::kCount>(static_cast<uint32_t>(toneCount)).put<Sine::kParam4>(param4);
     return request.send();
 }
 
@@ -117,42 +126,49 @@ ResultCode RYN_DECORATED(RynToneSineWaveGeneratorInit, 20)(DeviceHandle handle, 
 ResultCode RYN_DECORATED(RynToneDtmfGeneratorInit, 16)(DeviceHandle handle, uint32_t param1, uint8_t digit,
                                                        uint32_t param3) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<30, 12> request(0x99E);
-    request.put<16>(handle).put<20>(param1).put<24>(param3).put8<28>(digit);
+    using Wire = wire::tone::DtmfGeneratorInit;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1).put<Wire::kParam3>(param3).put8<Wire::kDigit>(digit);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynToneDtmfDiallerInit, 20)(DeviceHandle handle, uint32_t param1, uint32_t param2,
                                                      uint32_t param3, uint32_t param4) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<36, 12> request(0x99F);
-    request.put<16>(handle).put<20>(param1).put<24>(param2).put<28>(param3).put<32>(param4);
+    using Wire = wire::tone::DtmfDiallerInit;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1).put<Wire::kParam2>(param2);
+    request.put<Wire::kParam3>(param3).put<Wire::kParam4>(param4);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynToneDtmfDial, 20)(DeviceHandle handle, const char *digits, int32_t digitCount,
                                               uint32_t param3, uint32_t param4) {
-    return sendDial(0x9A0, handle, digits, digitCount, param3, param4);
+    return sendDial<wire::tone::DtmfDial>(handle, digits, digitCount, param3, param4);
 }
 
 ResultCode RYN_DECORATED(RynToneMfDiallerInit, 24)(DeviceHandle handle, uint32_t param1, uint32_t param2,
                                                    uint32_t param3, uint32_t param4, uint32_t param5) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<40, 12> request(0x9AF);
-    request.put<16>(handle).put<20>(param1).put<24>(param2).put<28>(param3).put<32>(param4).put<36>(param5);
+    using Wire = wire::tone::MfDiallerInit;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1).put<Wire::kParam2>(param2);
+    request.put<Wire::kParam3>(param3).put<Wire::kParam4>(param4).put<Wire::kParam5>(param5);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynToneMfDial, 20)(DeviceHandle handle, const char *digits, int32_t digitCount,
                                             uint32_t param3, uint32_t param4) {
-    return sendDial(0x9B0, handle, digits, digitCount, param3, param4);
+    return sendDial<wire::tone::MfDial>(handle, digits, digitCount, param3, param4);
 }
 
 ResultCode RYN_DECORATED(RynToneSequenceGeneratorInit, 20)(DeviceHandle handle, uint32_t param1, uint32_t param2,
                                                            uint32_t param3, uint32_t param4) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<36, 12> request(0x9A1);
-    request.put<16>(handle).put<20>(param1).put<24>(param2).put<28>(param3).put<32>(param4);
+    using Wire = wire::tone::SequenceGeneratorInit;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1).put<Wire::kParam2>(param2);
+    request.put<Wire::kParam3>(param3).put<Wire::kParam4>(param4);
     return request.send();
 }
 
@@ -162,14 +178,17 @@ ResultCode RYN_DECORATED(RynToneSequenceSend, 20)(DeviceHandle handle, const uin
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
     if (entryCount < 0 || entryCount > kMaxEntries) return RYN_FAILURE(kErrRange);
     if (entries == nullptr && entryCount > 0) return RYN_FAILURE(kErrNullPointer);
-    Request<544, 12> request(0x9A2);
-    request.put<16>(handle).putBytes<20, 512>(entries, 4 * static_cast<uint32_t>(entryCount));
-    request.put<532>(static_cast<uint32_t>(entryCount)).put<536>(param3).put<540>(param4);
+    using Wire = wire::tone::SequenceSend;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).putBytes<Wire::kEntries, 4 * Wire::kEntrySlots>(
+        entries, 4 * static_cast<uint32_t>(entryCount));
+    request.put<Wire::kCount>(static_cast<uint32_t>(entryCount)).put<Wire::kParam3>(param3);
+    request.put<Wire::kParam4>(param4);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynToneReadVal, 8)(DeviceHandle handle, uint16_t *value) {
-    return readValue(0x9AA, handle, value);
+    return readValue<wire::tone::ReadVal>(handle, value);
 }
 
 }  // extern "C"

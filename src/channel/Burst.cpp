@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 
+#include "BurstWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 
@@ -15,13 +16,10 @@ namespace {
 
 constexpr uint8_t kSourceId = source::kBurst;
 
-// Send request: header, handle at 16, param1 at 20, length at 24, the data
-// at 28. Send reply: header, count at 8, ResultCode at 12.
-constexpr uint32_t kSendHead = 28;
-// Read request: header, handle at 16, param1 at 20, capacity at 24. Read
-// reply: header, count at 8, two 8-byte values at 12 and 20, ResultCode at
-// 28, the data at 32.
-constexpr uint32_t kReadHead = 32;
+using wire::burst::ReadData;
+
+// The ResultCode of a read: the last word of the reply's fixed part.
+constexpr uint32_t kReadResult = ReadData::kReply - 4;
 
 struct FreeBlock {
     void operator()(uint8_t *block) const { std::free(block); }
@@ -36,24 +34,25 @@ Block allocateReply(uint32_t length) { return Block(static_cast<uint8_t *>(std::
 Block allocateRequest(uint32_t length) { return Block(static_cast<uint8_t *>(std::malloc(length))); }
 
 // Sending and preloading the send buffer differ only in the function.
-ResultCode sendBlock(uint32_t function, DeviceHandle handle, uint32_t param1, const void *data, uint32_t *length) {
+template <typename Wire>
+ResultCode sendBlock(DeviceHandle handle, uint32_t param1, const void *data, uint32_t *length) {
     if (data == nullptr) return RYN_FAILURE(kErrNullPointer);
     if (length == nullptr) return RYN_FAILURE(kErrNullPointer);
     const uint32_t dataLength = *length;
     // The block length must fit 32 bits with the fixed fields.
-    if (dataLength > UINT32_MAX - kSendHead) return RYN_FAILURE(kErrRange);
-    const uint32_t requestLength = dataLength + kSendHead;
+    if (dataLength > UINT32_MAX - Wire::kData) return RYN_FAILURE(kErrRange);
+    const uint32_t requestLength = dataLength + Wire::kData;
     Block request = allocateRequest(requestLength);
     if (request == nullptr) return RYN_FAILURE(kErrNoTransferMemory);
-    std::memset(request.get(), 0, 16);  // the reserved header
-    store32(request.get() + 16, handle);
-    store32(request.get() + 20, param1);
-    store32(request.get() + 24, dataLength);
-    std::memcpy(request.get() + kSendHead, data, dataLength);
+    std::memset(request.get(), 0, wire::kHeader);  // the reserved header
+    store32(request.get() + wire::kHandle, handle);
+    store32(request.get() + Wire::kParam1, param1);
+    store32(request.get() + Wire::kLength, dataLength);
+    std::memcpy(request.get() + Wire::kData, data, dataLength);
 
-    uint8_t reply[16] = {};
-    const ResultCode result = exchange(function, {request.get(), requestLength}, reply, 12);
-    *length = load32(reply + 8);
+    uint8_t reply[Wire::kReply] = {};
+    const ResultCode result = exchange(Wire::kFunction, {request.get(), requestLength}, reply, Wire::kReply - 4);
+    *length = load32(reply + Wire::kReplyCount);
     return result;
 }
 
@@ -67,12 +66,12 @@ extern "C" {
 // `length` holds the number of bytes to send, then the driver's count.
 ResultCode RYN_DECORATED(RynBurstSendData, 16)(DeviceHandle handle, uint32_t param1, const void *data,
                                                uint32_t *length) {
-    return sendBlock(0x99A, handle, param1, data, length);
+    return sendBlock<wire::burst::SendData>(handle, param1, data, length);
 }
 
 ResultCode RYN_DECORATED(RynBurstInitSendBuffer, 16)(DeviceHandle handle, uint32_t param1, const void *data,
                                                      uint32_t *length) {
-    return sendBlock(0x99C, handle, param1, data, length);
+    return sendBlock<wire::burst::InitSendBuffer>(handle, param1, data, length);
 }
 
 // `length` holds the capacity of `buffer`, then the number of bytes received.
@@ -81,29 +80,29 @@ ResultCode RYN_DECORATED(RynBurstReadDataEx, 24)(DeviceHandle handle, uint32_t p
     if (buffer == nullptr) return RYN_FAILURE(kErrNullPointer);
     if (length == nullptr) return RYN_FAILURE(kErrNullPointer);
     const uint32_t capacity = *length;
-    if (capacity > UINT32_MAX - kReadHead) return RYN_FAILURE(kErrRange);
-    const uint32_t replyLength = capacity + kReadHead;
+    if (capacity > UINT32_MAX - ReadData::kReplyData) return RYN_FAILURE(kErrRange);
+    const uint32_t replyLength = capacity + ReadData::kReplyData;
     Block reply = allocateReply(replyLength);
     if (reply == nullptr) return RYN_FAILURE(kErrNoTransferMemory);
 
-    uint8_t request[28] = {};
-    store32(request + 16, handle);
-    store32(request + 20, param1);
-    store32(request + 24, capacity);
+    uint8_t request[ReadData::kRequest] = {};
+    store32(request + wire::kHandle, handle);
+    store32(request + ReadData::kParam1, param1);
+    store32(request + ReadData::kCapacity, capacity);
     bool answered = false;
-    const ResultCode result =
-        exchange(0x99B, request, {reply.get(), replyLength}, 28, kStandardTransport, {}, &answered);
+    const ResultCode result = exchange(ReadData::kFunction, request, {reply.get(), replyLength}, kReadResult,
+                                       kStandardTransport, {}, &answered);
     // Without an answer the reply holds nothing: no data and no values,
     // whatever a failing driver may have left in the block.
-    if (!answered) std::memset(reply.get() + 8, 0, 20);
+    if (!answered) std::memset(reply.get() + ReadData::kReplyCount, 0, kReadResult - ReadData::kReplyCount);
 
     // The count is checked against the capacity before any byte is copied.
-    const uint32_t count = load32(reply.get() + 8);
+    const uint32_t count = load32(reply.get() + ReadData::kReplyCount);
     if (count > capacity) return RYN_FAILURE(kErrBadData);
-    std::memcpy(buffer, reply.get() + kReadHead, count);
+    std::memcpy(buffer, reply.get() + ReadData::kReplyData, count);
     *length = count;
-    if (param5 != nullptr) std::memcpy(param5, reply.get() + 12, 8);
-    if (param6 != nullptr) std::memcpy(param6, reply.get() + 20, 8);
+    if (param5 != nullptr) std::memcpy(param5, reply.get() + ReadData::kReplyValue1, ReadData::kValueBytes);
+    if (param6 != nullptr) std::memcpy(param6, reply.get() + ReadData::kReplyValue2, ReadData::kValueBytes);
     return result;
 }
 

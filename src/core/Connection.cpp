@@ -2,6 +2,7 @@
 #include <atomic>
 #include <mutex>
 
+#include "CoreWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 #include "core/Version.h"
@@ -11,7 +12,6 @@ namespace ryn {
 namespace {
 
 constexpr uint8_t kSourceId = source::kDeviceCore;
-constexpr uint32_t kFunctionConnectLib = 0x86E;
 
 // Written only by connect and release; relaxed atomics keep concurrent
 // readers on the request path free of data races at no cost.
@@ -34,8 +34,9 @@ ResultCode connect(const char *deviceName) {
         connection.store(handle, std::memory_order_relaxed);
     }
 
-    Request<24, 12> request(kFunctionConnectLib);
-    request.putBytes<16, 8>(kLibraryVersion, sizeof kLibraryVersion);
+    using Wire = wire::core::ConnectLib;
+    RequestOf<Wire> request;
+    request.putBytes<Wire::kVersion, Wire::kVersionSize>(kLibraryVersion, sizeof kLibraryVersion);
     return request.send();
 }
 

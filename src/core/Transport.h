@@ -1,9 +1,10 @@
 // The request transport: one device I/O control exchange with the driver,
 // and the request/reply builder that every family's calls are written with.
 //
-//     Request<28, 12> request(0x80C);            // function number, lengths
-//     request.put<16>(handle).put<20>(param2);   // fields at their offsets
-//     return request.send();                     // ResultCode of the reply
+//     using Wire = wire::core::Enable;             // named in wire/CoreWire.h
+//     RequestOf<Wire> request;                     // function number, lengths
+//     request.put<wire::kHandle>(handle).put<Wire::kParam2>(param2);
+//     return request.send();                       // ResultCode of the reply
 //
 // Field offsets are template arguments, so a field that does not fit its
 // block, or a wide field at an odd offset, does not compile. Blocks start
@@ -14,6 +15,8 @@
 #include <cstring>
 #include <span>
 
+#include "LittleEndian.h"
+#include "Wire.h"
 #include "RynHwDll.h"
 #include "RynUserDriver.h"
 #include "core/ResultCode.h"
@@ -34,18 +37,11 @@ inline constexpr TransportCodes kDeviceHandleTransport{kTransportHandleCallFaile
 // while no connection is open).
 OsaHandle driverHandle();
 
-inline void store32(uint8_t *at, uint32_t value) { std::memcpy(at, &value, 4); }
-inline void store16(uint8_t *at, uint16_t value) { std::memcpy(at, &value, 2); }
-inline uint32_t load32(const uint8_t *at) {
-    uint32_t value;
-    std::memcpy(&value, at, 4);
-    return value;
-}
-inline uint16_t load16(const uint8_t *at) {
-    uint16_t value;
-    std::memcpy(&value, at, 2);
-    return value;
-}
+// Fields of request and reply blocks are little-endian.
+using wire::le::load16;
+using wire::le::load32;
+using wire::le::store16;
+using wire::le::store32;
 
 // Sends `request` and receives `reply`: the returned byte count starts at 0;
 // a failed call stores codes.callFailed at `resultOffset` of the reply, then
@@ -155,11 +151,20 @@ private:
     bool answered_ = false;
 };
 
-// The request of many calls in every family: the handle alone (20 bytes),
-// a plain 12-byte reply.
-inline ResultCode sendHandleOnly(uint32_t function, DeviceHandle handle) {
-    Request<20, 12> request(function);
-    request.put<16>(handle);
+// A request named in the protocol headers (wire/): its function number and
+// block lengths come from the name, e.g. RequestOf<wire::t1e1::SetMode>.
+template <typename Wire>
+class RequestOf : public Request<Wire::kRequest, Wire::kReply> {
+public:
+    RequestOf() : Request<Wire::kRequest, Wire::kReply>(Wire::kFunction) {}
+};
+
+// The request of many calls in every family: the handle alone, with the
+// common reply (wire::HandleOnly).
+template <typename Wire>
+ResultCode sendHandleOnly(DeviceHandle handle) {
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle);
     return request.send();
 }
 

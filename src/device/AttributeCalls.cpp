@@ -4,12 +4,15 @@
 #include <cstring>
 #include <memory>
 
+#include "CoreWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 #include "core/Version.h"
 
 namespace ryn {
 namespace {
+
+namespace core = wire::core;
 
 constexpr uint8_t kSourceId = source::kDeviceCore;
 
@@ -73,21 +76,21 @@ ResultCode libraryAttributeValue(int32_t id, void *buffer, uint32_t bufferLength
 // at 16, one spare byte.
 ResultCode driverAttributeValue(DeviceHandle handle, int32_t id, void *buffer, uint32_t bufferLength,
                                 uint32_t *returnedLength) {
-    constexpr uint32_t kReplyOverhead = 17;
-    if (bufferLength > UINT32_MAX - kReplyOverhead) return RYN_FAILURE(kErrRange);
-    const uint32_t replyLength = bufferLength + kReplyOverhead;
+    using Wire = core::GetAttributeValue;
+    if (bufferLength > UINT32_MAX - Wire::kReplyOverhead) return RYN_FAILURE(kErrRange);
+    const uint32_t replyLength = bufferLength + Wire::kReplyOverhead;
     Block reply = allocate(replyLength);
     if (reply == nullptr) return RYN_FAILURE(kErrNoMemory);
-    if (bufferLength != 0) std::memcpy(reply.get() + 16, buffer, bufferLength);
+    if (bufferLength != 0) std::memcpy(reply.get() + Wire::kReplyValue, buffer, bufferLength);
 
-    uint8_t request[28] = {};
-    store32(request + 16, handle);
-    store32(request + 20, static_cast<uint32_t>(id));
-    store32(request + 24, bufferLength);
-    const ResultCode result = exchange(0x818, request, {reply.get(), replyLength}, 8);
+    uint8_t request[Wire::kRequest] = {};
+    store32(request + wire::kHandle, handle);
+    store32(request + Wire::kAttribute, static_cast<uint32_t>(id));
+    store32(request + Wire::kBufferLength, bufferLength);
+    const ResultCode result = exchange(Wire::kFunction, request, {reply.get(), replyLength}, Wire::kResult);
 
-    if (bufferLength != 0) std::memcpy(buffer, reply.get() + 16, bufferLength);
-    if (returnedLength != nullptr) *returnedLength = load32(reply.get() + 12);
+    if (bufferLength != 0) std::memcpy(buffer, reply.get() + Wire::kReplyValue, bufferLength);
+    if (returnedLength != nullptr) *returnedLength = load32(reply.get() + Wire::kReplySize);
     return result;
 }
 
@@ -102,12 +105,13 @@ ResultCode RYN_DECORATED(RynDrvGetAttributeType, 20)(DeviceHandle handle, int32_
                                                      uint32_t *size, uint32_t *flags) {
     if (type == nullptr || size == nullptr || flags == nullptr) return RYN_FAILURE(kErrNullPointer);
     if (handle == RYN_LIBRARY_PSEUDO_HANDLE) return libraryAttributeType(attribute, type, size, flags);
-    Request<24, 24> request(0x817);
-    request.put<16>(handle).put<20>(static_cast<uint32_t>(attribute));
+    using Wire = core::GetAttributeType;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kAttribute>(static_cast<uint32_t>(attribute));
     const ResultCode result = request.send();
-    *type = request.get<8>();
-    *size = request.get<12>();
-    *flags = request.get<16>();
+    *type = request.get<Wire::kReplyType>();
+    *size = request.get<Wire::kReplySize>();
+    *flags = request.get<Wire::kReplyFlags>();
     return result;
 }
 
@@ -144,17 +148,17 @@ ResultCode RYN_DECORATED(RynDrvSetAttributeValue, 16)(DeviceHandle handle, int32
     if (value == nullptr && valueLength != 0) return RYN_FAILURE(kErrNullPointer);
     // Request: handle at 16, identifier at 20, value length at 24, the value
     // at 28 and one spare byte.
-    constexpr uint32_t kRequestOverhead = 29;
-    if (valueLength > UINT32_MAX - kRequestOverhead) return RYN_FAILURE(kErrRange);
-    const uint32_t requestLength = valueLength + kRequestOverhead;
+    using Wire = core::SetAttributeValue;
+    if (valueLength > UINT32_MAX - Wire::kRequestOverhead) return RYN_FAILURE(kErrRange);
+    const uint32_t requestLength = valueLength + Wire::kRequestOverhead;
     Block request = allocate(requestLength);
     if (request == nullptr) return RYN_FAILURE(kErrNoMemory);
-    store32(request.get() + 16, handle);
-    store32(request.get() + 20, static_cast<uint32_t>(attribute));
-    store32(request.get() + 24, valueLength);
-    if (valueLength != 0) std::memcpy(request.get() + 28, value, valueLength);
-    uint8_t reply[12] = {};
-    return exchange(0x819, {request.get(), requestLength}, reply, 8);
+    store32(request.get() + wire::kHandle, handle);
+    store32(request.get() + Wire::kAttribute, static_cast<uint32_t>(attribute));
+    store32(request.get() + Wire::kValueLength, valueLength);
+    if (valueLength != 0) std::memcpy(request.get() + Wire::kValue, value, valueLength);
+    uint8_t reply[Wire::kReply] = {};
+    return exchange(Wire::kFunction, {request.get(), requestLength}, reply, Wire::kReply - 4);
 }
 
 ResultCode RYN_DECORATED(RynDrvSetAttributeValueBool, 12)(DeviceHandle handle, int32_t attribute, uint32_t value) {

@@ -1,5 +1,6 @@
 // Devices, boards, logical devices and pipes: enumeration, handles,
 // connections and management.
+#include "CoreWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 #include "device/HandleKinds.h"
@@ -7,22 +8,25 @@
 namespace ryn {
 namespace {
 
+namespace core = wire::core;
+
 constexpr uint8_t kSourceId = source::kDeviceCore;
-constexpr uint32_t kConnectionDataSize = 512;
 
 // Enable and Disable share their request layout.
-ResultCode sendEnableRequest(uint32_t function, DeviceHandle handle, uint32_t param2, uint32_t param3) {
+template <typename Wire>
+ResultCode sendEnableRequest(DeviceHandle handle, uint32_t param2, uint32_t param3) {
     if (!isDriverObject(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<28, 12> request(function);
-    request.put<16>(handle).put<20>(param2).put<24>(param3);
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle).template put<Wire::kParam2>(param2).template put<Wire::kParam3>(param3);
     return request.send();
 }
 
 // Logical-device connect and disconnect share their request layout.
-ResultCode sendLogicalConnection(uint32_t function, DeviceHandle handleA, uint32_t portA, DeviceHandle handleB,
-                                 uint32_t portB) {
-    Request<32, 12> request(function);
-    request.put<16>(handleA).put<20>(portA).put<24>(handleB).put<28>(portB);
+template <typename Wire>
+ResultCode sendLogicalConnection(DeviceHandle handleA, uint32_t portA, DeviceHandle handleB, uint32_t portB) {
+    RequestOf<Wire> request;
+    request.template put<Wire::kHandleA>(handleA).template put<Wire::kPortA>(portA);
+    request.template put<Wire::kHandleB>(handleB).template put<Wire::kPortB>(portB);
     return request.send();
 }
 
@@ -48,34 +52,39 @@ int32_t RYN_DECORATED(RynDrvIsIteratorEnd, 4)(const int32_t *iterator) {
 
 ResultCode RYN_DECORATED(RynDrvEnumDeviceType, 12)(DeviceHandle parent, int32_t *iterator, int32_t *deviceType) {
     if (iterator == nullptr || deviceType == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<24, 20> request(0x80A);
-    request.put<16>(parent).put<20>(static_cast<uint32_t>(*iterator));
+    using Wire = core::EnumDeviceType;
+    RequestOf<Wire> request;
+    request.put<Wire::kParent>(parent).put<Wire::kIterator>(static_cast<uint32_t>(*iterator));
     const ResultCode result = request.send();
-    *deviceType = static_cast<int32_t>(request.get<8>());
-    *iterator = static_cast<int32_t>(request.get<12>());
+    *deviceType = static_cast<int32_t>(request.get<Wire::kReplyDeviceType>());
+    *iterator = static_cast<int32_t>(request.get<Wire::kReplyIterator>());
     return result;
 }
 
 ResultCode RYN_DECORATED(RynDrvEnumDevice, 16)(DeviceHandle parent, int32_t deviceType, int32_t *iterator,
                                                uint32_t *deviceId) {
     if (iterator == nullptr || deviceId == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<28, 20> request(0x80B);
-    request.put<16>(parent).put<20>(static_cast<uint32_t>(deviceType)).put<24>(static_cast<uint32_t>(*iterator));
+    using Wire = core::EnumDevice;
+    RequestOf<Wire> request;
+    request.put<Wire::kParent>(parent).put<Wire::kDeviceType>(static_cast<uint32_t>(deviceType));
+    request.put<Wire::kIterator>(static_cast<uint32_t>(*iterator));
     const ResultCode result = request.send();
-    *deviceId = request.get<8>();
-    *iterator = static_cast<int32_t>(request.get<12>());
+    *deviceId = request.get<Wire::kReplyDeviceId>();
+    *iterator = static_cast<int32_t>(request.get<Wire::kReplyIterator>());
     return result;
 }
 
 ResultCode RYN_DECORATED(RynDrvGetDeviceHandle, 16)(DeviceHandle parent, int32_t deviceType, uint32_t deviceId,
                                                     DeviceHandle *handle) {
     // This request has a 12-byte header: its fields start at offset 12.
-    Request<24, 12> request(0x870);
-    request.put<12>(parent).put<16>(static_cast<uint32_t>(deviceType)).put<20>(deviceId);
-    const ResultCode result = request.sendWithResultAt<4>(kDeviceHandleTransport);
+    using Wire = core::GetDeviceHandle;
+    RequestOf<Wire> request;
+    request.put<Wire::kParent>(parent).put<Wire::kDeviceType>(static_cast<uint32_t>(deviceType));
+    request.put<Wire::kDeviceId>(deviceId);
+    const ResultCode result = request.sendWithResultAt<Wire::kResult>(kDeviceHandleTransport);
     if (handle != nullptr) {
         *handle = 0xFFFFFFFFu;
-        if (!isFailure(result)) *handle = request.get<8>();
+        if (!isFailure(result)) *handle = request.get<Wire::kReplyHandle>();
     }
     return result;
 }
@@ -83,17 +92,20 @@ ResultCode RYN_DECORATED(RynDrvGetDeviceHandle, 16)(DeviceHandle parent, int32_t
 ResultCode RYN_DECORATED(RynDrvOpenPhysicalDevice, 24)(uint32_t param1, uint32_t param2, uint32_t param3,
                                                        uint32_t param4, uint32_t param5, DeviceHandle *physicalDevice) {
     if (physicalDevice == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<36, 16> request(0x871);
+    using Wire = core::OpenPhysicalDevice;
+    RequestOf<Wire> request;
     // The fourth and fifth arguments change places in the request.
-    request.put<16>(param1).put<20>(param2).put<24>(param3).put<28>(param5).put<32>(param4);
+    request.put<Wire::kParam1>(param1).put<Wire::kParam2>(param2).put<Wire::kParam3>(param3);
+    request.put<Wire::kParam5>(param5).put<Wire::kParam4>(param4);
     const ResultCode result = request.send();
-    *physicalDevice = isFailure(result) ? 0xFFFFFFFFu : request.get<8>();
+    *physicalDevice = isFailure(result) ? 0xFFFFFFFFu : request.get<Wire::kReplyHandle>();
     return result;
 }
 
 ResultCode RYN_DECORATED(RynDrvOpenPhysicalDeviceEx, 12)(uint32_t param1, uint32_t param2, uint32_t param3) {
-    Request<28, 12> request(0x878);
-    request.put<16>(param1).put<20>(param2).put<24>(param3);
+    using Wire = core::OpenPhysicalDeviceEx;
+    RequestOf<Wire> request;
+    request.put<Wire::kParam1>(param1).put<Wire::kParam2>(param2).put<Wire::kParam3>(param3);
     return request.send();
 }
 
@@ -101,91 +113,97 @@ ResultCode RYN_DECORATED(RynDrvCreateLogicalDevice, 20)(DeviceHandle physicalDev
                                                         uint32_t param3, uint32_t param4, DeviceHandle *logicalDevice) {
     if (!isPhysicalDevice(physicalDevice)) return RYN_FAILURE(kErrInvalidHandle);
     if (logicalDevice == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<36, 16> request(0x872);
-    request.put<16>(physicalDevice).put<20>(static_cast<uint32_t>(deviceType)).put<24>(param3);
-    request.put<28>(driverHandle()).put<32>(param4);
+    using Wire = core::CreateLogicalDevice;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(physicalDevice).put<Wire::kDeviceType>(static_cast<uint32_t>(deviceType));
+    request.put<Wire::kParam3>(param3).put<Wire::kConnection>(driverHandle()).put<Wire::kParam4>(param4);
     const ResultCode result = request.send();
     if (isFailure(result)) return result;
-    *logicalDevice = request.get<8>();
+    *logicalDevice = request.get<Wire::kReplyHandle>();
     return result;
 }
 
 ResultCode RYN_DECORATED(RynDrvCreatePipe, 8)(uint32_t param1, DeviceHandle *pipe) {
     if (pipe == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<24, 16> request(0x874);
-    request.put<16>(param1).put<20>(driverHandle());
+    using Wire = core::CreatePipe;
+    RequestOf<Wire> request;
+    request.put<Wire::kParam1>(param1).put<Wire::kConnection>(driverHandle());
     const ResultCode result = request.send();
-    *pipe = request.get<8>();
+    *pipe = request.get<Wire::kReplyHandle>();
     return result;
 }
 
 ResultCode RYN_DECORATED(RynDrvConnectLogicalDevice, 16)(DeviceHandle handleA, uint32_t portA, DeviceHandle handleB,
                                                          uint32_t portB) {
-    return sendLogicalConnection(0x813, handleA, portA, handleB, portB);
+    return sendLogicalConnection<core::ConnectLogicalDevice>(handleA, portA, handleB, portB);
 }
 
 ResultCode RYN_DECORATED(RynDrvDisconnectLogicalDevice, 16)(DeviceHandle handleA, uint32_t portA, DeviceHandle handleB,
                                                             uint32_t portB) {
     if (!isLogicalOrPipe(handleA)) return RYN_FAILURE(kErrInvalidHandle);
     if (!isLogicalOrPipe(handleB)) return RYN_FAILURE(kErrInvalidHandle);
-    return sendLogicalConnection(0x814, handleA, portA, handleB, portB);
+    return sendLogicalConnection<core::DisconnectLogicalDevice>(handleA, portA, handleB, portB);
 }
 
 ResultCode RYN_DECORATED(RynDrvConnectPipe, 24)(DeviceHandle pipe, uint32_t portA, DeviceHandle device, uint32_t portB,
                                                 const uint8_t *data, int32_t dataLength) {
+    using Wire = core::ConnectPipe;
     if (!isPipe(pipe)) return RYN_FAILURE(kErrInvalidHandle);
     if (!isPhysicalDevice(device)) return RYN_FAILURE(kErrInvalidHandle);
     if (data == nullptr) dataLength = 0;
     if (dataLength < 0) return RYN_FAILURE(kErrRange);
-    if (static_cast<uint32_t>(dataLength) > kConnectionDataSize) return RYN_FAILURE(kErrRange);
-    Request<548, 12> request(0x80F);
-    request.put<16>(pipe).put<20>(portA).put<24>(device).put<28>(portB);
-    request.putBytes<32, kConnectionDataSize>(data, static_cast<uint32_t>(dataLength));
-    request.put<544>(static_cast<uint32_t>(dataLength));
+    if (static_cast<uint32_t>(dataLength) > Wire::kDataSize) return RYN_FAILURE(kErrRange);
+    RequestOf<Wire> request;
+    request.put<Wire::kPipe>(pipe).put<Wire::kPortA>(portA).put<Wire::kDevice>(device).put<Wire::kPortB>(portB);
+    request.putBytes<Wire::kData, Wire::kDataSize>(data, static_cast<uint32_t>(dataLength));
+    request.put<Wire::kDataLength>(static_cast<uint32_t>(dataLength));
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynDrvDisconnectPipe, 8)(DeviceHandle pipe, uint32_t portA) {
     if (!isPipe(pipe)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<24, 12> request(0x810);
-    request.put<16>(pipe).put<20>(portA);
+    using Wire = core::DisconnectPipe;
+    RequestOf<Wire> request;
+    request.put<Wire::kPipe>(pipe).put<Wire::kPort>(portA);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynDrvConnectBoard, 8)(DeviceHandle handleA, DeviceHandle handleB) {
     if (!isDriverObject(handleA)) return RYN_FAILURE(kErrInvalidHandle);
     if (!isDriverObject(handleB)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<24, 12> request(0x820);
-    request.put<16>(handleA).put<20>(handleB);
+    using Wire = core::ConnectBoard;
+    RequestOf<Wire> request;
+    request.put<Wire::kHandleA>(handleA).put<Wire::kHandleB>(handleB);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynDrvEnable, 12)(DeviceHandle handle, uint32_t param2, uint32_t param3) {
-    return sendEnableRequest(0x80C, handle, param2, param3);
+    return sendEnableRequest<core::Enable>(handle, param2, param3);
 }
 
 ResultCode RYN_DECORATED(RynDrvDisable, 12)(DeviceHandle handle, uint32_t param2, uint32_t param3) {
-    return sendEnableRequest(0x80D, handle, param2, param3);
+    return sendEnableRequest<core::Disable>(handle, param2, param3);
 }
 
 ResultCode RYN_DECORATED(RynDrvGetState, 8)(DeviceHandle handle, uint32_t *state) {
     if (handle == 0) return RYN_FAILURE(kErrInvalidHandle);
     if (state == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<20, 16> request(0x816);
-    request.put<16>(handle);
+    using Wire = core::GetState;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle);
     const ResultCode result = request.send();
-    *state = request.get<8>();
+    *state = request.get<Wire::kReplyState>();
     return result;
 }
 
 ResultCode RYN_DECORATED(RynDrvReset, 4)(DeviceHandle handle) {
     if (handle == 0) return RYN_FAILURE(kErrInvalidHandle);
-    return sendHandleOnly(0x80E, handle);
+    return sendHandleOnly<core::Reset>(handle);
 }
 
 ResultCode RYN_DECORATED(RynDrvClose, 4)(DeviceHandle handle) {
     if (!isDriverObject(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    return sendHandleOnly(0x811, handle);
+    return sendHandleOnly<core::Close>(handle);
 }
 
 }  // extern "C"

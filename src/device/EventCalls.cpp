@@ -1,6 +1,7 @@
 // Event objects and waits, driver event queues, event records and texts.
 #include <cstring>
 
+#include "CoreWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 #include "device/HandleKinds.h"
@@ -9,14 +10,20 @@
 namespace ryn {
 namespace {
 
-constexpr uint8_t kSourceId = source::kDeviceCore;
-constexpr uint32_t kEventTextSize = 256;
+namespace core = wire::core;
 
-// Set-data requests: the record at 20..51, words 0 and 1 first.
-ResultCode sendEventRecord(uint32_t function, DeviceHandle handle, const uint32_t (&words)[8]) {
-    Request<52, 12> request(function);
-    request.put<16>(handle).put<20>(words[0]).put<24>(words[1]).put<28>(words[2]).put<32>(words[3]);
-    request.put<36>(words[4]).put<40>(words[5]).put<44>(words[6]).put<48>(words[7]);
+constexpr uint8_t kSourceId = source::kDeviceCore;
+static_assert(sizeof(EventData) == core::kRecordSize, "an event record travels whole");
+
+// Set-data requests: the record at kRecord, words 0 and 1 first.
+template <typename Wire>
+ResultCode sendEventRecord(DeviceHandle handle, const uint32_t (&words)[8]) {
+    constexpr uint32_t at = Wire::kRecord;
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle);
+    request.template put<at>(words[0]).template put<at + 4>(words[1]).template put<at + 8>(words[2]);
+    request.template put<at + 12>(words[3]).template put<at + 16>(words[4]).template put<at + 20>(words[5]);
+    request.template put<at + 24>(words[6]).template put<at + 28>(words[7]);
     return request.send();
 }
 
@@ -70,24 +77,28 @@ ResultCode RYN_DECORATED(RynDrvCancelTask, 8)(uint32_t, uint32_t) { return RYN_F
 
 ResultCode RYN_DECORATED(RynDrvCreateEventQueue, 12)(uint32_t param1, uint32_t param2, DeviceHandle *queue) {
     if (queue == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<28, 16> request(0x873);
-    request.put<16>(param1).put<20>(param2).put<24>(driverHandle());
+    using Wire = core::CreateEventQueue;
+    RequestOf<Wire> request;
+    request.put<Wire::kParam1>(param1).put<Wire::kParam2>(param2).put<Wire::kConnection>(driverHandle());
     const ResultCode result = request.send();
-    *queue = request.get<8>();
+    *queue = request.get<Wire::kReplyHandle>();
     return result;
 }
 
 ResultCode RYN_DECORATED(RynDrvPollEvents, 4)(DeviceHandle handle) {
     if (!isDriverObject(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    return sendHandleOnly(0x875, handle);
+    RequestOf<core::PollEvents> request;
+    request.put<wire::kHandle>(handle);
+    return request.send();
 }
 
 ResultCode RYN_DECORATED(RynDrvGetEventData, 8)(DeviceHandle handle, EventData *record) {
     if (record == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<20, 44> request(0x8D3);
-    request.put<16>(handle);
+    using Wire = core::GetEventData;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle);
     const ResultCode result = request.send();
-    std::memcpy(record, request.replyBytes<8, sizeof(EventData)>(), sizeof(EventData));
+    std::memcpy(record, request.replyBytes<Wire::kReplyRecord, sizeof(EventData)>(), sizeof(EventData));
     return result;
 }
 
@@ -97,33 +108,36 @@ ResultCode RYN_DECORATED(RynDrvGetEventDataEx, 16)(DeviceHandle handle, EventDat
     // param3 records; it is the driver that refuses a null array.
     if (count == nullptr) return RYN_FAILURE(kErrNullPointer);
     const uint64_t bytes = uint64_t{param3} * sizeof(EventData);
-    Request<28, 16> request(0x8D4);
-    request.put<16>(handle).putAddress<20>(records, bytes > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(bytes));
-    request.put<24>(param3);
+    using Wire = core::GetEventDataEx;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle);
+    request.putAddress<Wire::kRecords>(records, bytes > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(bytes));
+    request.put<Wire::kCount>(param3);
     const ResultCode result = request.send();
-    *count = request.get<8>();
+    *count = request.get<Wire::kReplyCount>();
     return result;
 }
 
 ResultCode RYN_DECORATED(RynDrvSetEventData, 28)(DeviceHandle handle, uint32_t w2, uint32_t w3, uint32_t w4,
                                                  uint32_t w5, uint32_t w6, uint32_t w7) {
-    return sendEventRecord(0x8D2, handle, {0, 0, w2, w3, w4, w5, w6, w7});
+    return sendEventRecord<core::SetEventData>(handle, {0, 0, w2, w3, w4, w5, w6, w7});
 }
 
 ResultCode RYN_DECORATED(RynDrvSetEventDataEx, 36)(DeviceHandle handle, uint32_t w2, uint32_t w3, uint32_t w4,
                                                    uint32_t w5, uint32_t w6, uint32_t w7, uint32_t w0, uint32_t w1) {
-    return sendEventRecord(0x8D5, handle, {w0, w1, w2, w3, w4, w5, w6, w7});
+    return sendEventRecord<core::SetEventDataEx>(handle, {w0, w1, w2, w3, w4, w5, w6, w7});
 }
 
 ResultCode RYN_DECORATED(RynDrvEventCode2String, 16)(DeviceHandle handle, uint32_t eventCode, uint32_t param3,
                                                      char *text) {
     if (text == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<28, 268> request(0x812);
+    using Wire = core::EventCode2String;
+    RequestOf<Wire> request;
     // The second and third arguments change places in the request.
-    request.put<16>(handle).put<20>(param3).put<24>(eventCode);
+    request.put<wire::kHandle>(handle).put<Wire::kParam3>(param3).put<Wire::kEventCode>(eventCode);
     const ResultCode result = request.send();
-    const uint8_t *reply = request.replyBytes<8, kEventTextSize>();
-    const size_t length = strnlen(reinterpret_cast<const char *>(reply), kEventTextSize - 1);
+    const uint8_t *reply = request.replyBytes<Wire::kReplyText, Wire::kTextSize>();
+    const size_t length = strnlen(reinterpret_cast<const char *>(reply), Wire::kTextSize - 1);
     std::memcpy(text, reply, length);
     text[length] = '\0';
     return result;

@@ -3,27 +3,33 @@
 // driver or the transport.
 #include <cstring>
 
+#include "CoreWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 
 namespace ryn {
 namespace {
 
+namespace core = wire::core;
+
 constexpr uint8_t kSourceId = source::kDeviceCore;
 
 // Every register width moves a 32-bit word; reads store it whatever the result.
-ResultCode readRegister(uint32_t function, DeviceHandle handle, uint32_t registerOffset, uint32_t *value) {
+template <typename Wire>
+ResultCode readRegister(DeviceHandle handle, uint32_t registerOffset, uint32_t *value) {
     if (value == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<24, 16> request(function);
-    request.put<16>(handle).put<20>(registerOffset);
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle).template put<Wire::kRegister>(registerOffset);
     const ResultCode result = request.send();
-    *value = request.get<8>();
+    *value = request.template get<Wire::kReplyValue>();
     return result;
 }
 
-ResultCode writeRegister(uint32_t function, DeviceHandle handle, uint32_t registerOffset, uint32_t value) {
-    Request<28, 12> request(function);
-    request.put<16>(handle).put<20>(registerOffset).put<24>(value);
+template <typename Wire>
+ResultCode writeRegister(DeviceHandle handle, uint32_t registerOffset, uint32_t value) {
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle).template put<Wire::kRegister>(registerOffset);
+    request.template put<Wire::kValue>(value);
     return request.send();
 }
 
@@ -35,46 +41,49 @@ using namespace ryn;
 extern "C" {
 
 ResultCode RYN_DECORATED(RynDrvReadReg8, 12)(DeviceHandle handle, uint32_t registerOffset, uint32_t *value) {
-    return readRegister(0x81C, handle, registerOffset, value);
+    return readRegister<core::ReadReg8>(handle, registerOffset, value);
 }
 
 ResultCode RYN_DECORATED(RynDrvReadReg16, 12)(DeviceHandle handle, uint32_t registerOffset, uint32_t *value) {
-    return readRegister(0x81D, handle, registerOffset, value);
+    return readRegister<core::ReadReg16>(handle, registerOffset, value);
 }
 
 ResultCode RYN_DECORATED(RynDrvReadReg32, 12)(DeviceHandle handle, uint32_t registerOffset, uint32_t *value) {
-    return readRegister(0x822, handle, registerOffset, value);
+    return readRegister<core::ReadReg32>(handle, registerOffset, value);
 }
 
 ResultCode RYN_DECORATED(RynDrvWriteReg8, 12)(DeviceHandle handle, uint32_t registerOffset, uint32_t value) {
-    return writeRegister(0x81E, handle, registerOffset, value);
+    return writeRegister<core::WriteReg8>(handle, registerOffset, value);
 }
 
 ResultCode RYN_DECORATED(RynDrvWriteReg16, 12)(DeviceHandle handle, uint32_t registerOffset, uint32_t value) {
-    return writeRegister(0x81F, handle, registerOffset, value);
+    return writeRegister<core::WriteReg16>(handle, registerOffset, value);
 }
 
 ResultCode RYN_DECORATED(RynDrvWriteReg32, 12)(DeviceHandle handle, uint32_t registerOffset, uint32_t value) {
-    return writeRegister(0x821, handle, registerOffset, value);
+    return writeRegister<core::WriteReg32>(handle, registerOffset, value);
 }
 
 ResultCode RYN_DECORATED(RynDrvGetCurrentTime, 4)(uint64_t *time) {
     if (time == nullptr) return RYN_FAILURE(kErrNullPointer);
-    Request<20, 20> request(0x877);
-    request.put<16>(RYN_DRIVER_PSEUDO_HANDLE);
+    using Wire = core::GetCurrentTime;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(RYN_DRIVER_PSEUDO_HANDLE);
     const ResultCode result = request.send();
-    std::memcpy(time, request.replyBytes<8, 8>(), 8);
+    static_assert(sizeof *time == Wire::kTimeSize);
+    std::memcpy(time, request.replyBytes<Wire::kReplyTime, Wire::kTimeSize>(), Wire::kTimeSize);
     return result;
 }
 
 ResultCode RYN_DECORATED(RynStartWatchdogTimer, 4)(uint32_t) {
-    Request<20, 12> request(0x815);  // no field: the argument is not sent
+    RequestOf<core::StartWatchdogTimer> request;  // no field: the argument is not sent
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynDrvDbgDump, 8)(uint32_t param1, uint32_t param2) {
-    Request<24, 12> request(0x81A);
-    request.put<16>(param1).put<20>(param2);
+    using Wire = core::DbgDump;
+    RequestOf<Wire> request;
+    request.put<Wire::kParam1>(param1).put<Wire::kParam2>(param2);
     return request.send();
 }
 
@@ -82,8 +91,10 @@ ResultCode RYN_DECORATED(RynDrvResultCode2String, 16)(DeviceHandle handle, Resul
                                                       uint32_t textLength) {
     // The driver writes the text into the caller's buffer, whose address
     // travels at offset 28 and its length at offset 24.
-    Request<32, 12> request(0x81B);
-    request.put<16>(handle).put<20>(resultCode).put<24>(textLength).putAddress<28>(text, textLength);
+    using Wire = core::ResultCode2String;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kResultCode>(resultCode).put<Wire::kTextLength>(textLength);
+    request.putAddress<Wire::kText>(text, textLength);
     return request.send();
 }
 

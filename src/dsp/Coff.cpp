@@ -1,4 +1,4 @@
-#include "dsp/Coff.h"
+#include "Coff.h"
 
 #include <algorithm>
 #include <cstring>

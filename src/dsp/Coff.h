@@ -8,7 +8,7 @@
 #include <span>
 #include <string_view>
 
-#include "dsp/ByteReader.h"
+#include "ByteReader.h"
 
 namespace ryn::coff {
 

@@ -8,6 +8,10 @@
 #include <new>
 #include <string_view>
 
+#include "CoreWire.h"
+#include "DspImage.h"
+#include "DspWire.h"
+#include "LittleEndian.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 #include "device/HandleKinds.h"
@@ -17,66 +21,57 @@
 namespace ryn {
 namespace {
 
+using wire::dsp::BlockWrite;
+using wire::dsp_image::ImageWriter;
+
 constexpr uint8_t kSourceId = source::kDsp;
 
-constexpr uint32_t kFunctionHold = 0x99A;
-constexpr uint32_t kFunctionStart = 0x99B;
-constexpr uint32_t kFunctionBlockWrite = 0x99C;
-constexpr uint32_t kFunctionCancel = 0x99D;
-constexpr uint32_t kFunctionLoadImage = 0x9A0;
-constexpr uint32_t kFunctionDisable = 0x80D;
-
-constexpr uint32_t kBlockBytes = 256;  // data bytes of one block write
-constexpr uint32_t kSettleMs = 50;     // after hold, before the transfer
-constexpr uint32_t kDirectStaging = 0x1004;
-constexpr uint32_t kImageRecordPage = 10;
+constexpr uint32_t kBlockBytes = BlockWrite::kDataBytes;  // data bytes of one block write
+constexpr uint32_t kSettleMs = 50;                        // after hold, before the transfer
 constexpr char kModuleBaseName[] = "rynspm1";
-
-// Record images start with this header; its fifth word is the record
-// version: 1 for word records, 2 for byte records.
-constexpr uint16_t kRecordMagic[4] = {0x54AB, 0x6D2E, 0x1010, 0x1C1C};
-constexpr uint32_t kRecordHeaderWords = 5;
-constexpr uint32_t kRecordFieldWords = 4;
 
 // ---- Requests of a load ----------------------------------------------------
 
 ResultCode sendStart(DeviceHandle handle, uint32_t entry, uint32_t moduleFlag) {
-    Request<28, 12> request(kFunctionStart);
-    request.put<16>(handle).put<20>(entry).put<24>(moduleFlag);
+    using Wire = wire::dsp::StartProgram;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kEntry>(entry).put<Wire::kModuleFlag>(moduleFlag);
     return request.send();
 }
 
 // The device-core disable request with the values that stop a DSP.
 void sendDisable(DeviceHandle handle) {
-    Request<28, 12> request(kFunctionDisable);
-    request.put<16>(handle).put<20>(0).put<24>(0xFFFFFFFFu);
+    using Wire = wire::core::Disable;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam2>(0).put<Wire::kParam3>(0xFFFFFFFFu);
     request.send();
 }
 
 // What a failed transfer leaves behind: the DSP disabled, the load cancelled.
 void cleanUpTransfer(DeviceHandle handle) {
     sendDisable(handle);
-    sendHandleOnly(kFunctionCancel, handle);
+    sendHandleOnly<wire::dsp::CancelLoad>(handle);
 }
 
 ResultCode sendWordBlock(DeviceHandle handle, uint32_t staging, uint32_t words, uint32_t address, uint32_t page,
                          const uint8_t *data) {
-    Request<292, 12> request(kFunctionBlockWrite);
-    request.put<16>(handle).put<20>(staging).put<24>(words).put<28>(address).put<32>(page);
-    request.putBytes<36, kBlockBytes>(data, words * 2);
+    RequestOf<BlockWrite> request;
+    request.put<wire::kHandle>(handle).put<BlockWrite::kStaging>(staging).put<BlockWrite::kCount>(words);
+    request.put<BlockWrite::kAddress>(address).put<BlockWrite::kPage>(page);
+    request.putBytes<BlockWrite::kData, kBlockBytes>(data, words * 2);
     return request.send();
 }
 
 ResultCode sendByteBlock(DeviceHandle handle, uint32_t bytes, uint32_t address, const uint8_t *data) {
-    Request<292, 12> request(kFunctionBlockWrite);
-    request.put<16>(handle).put<24>(bytes).put<28>(address);
-    request.putBytes<36, kBlockBytes>(data, bytes);
+    RequestOf<BlockWrite> request;
+    request.put<wire::kHandle>(handle).put<BlockWrite::kCount>(bytes).put<BlockWrite::kAddress>(address);
+    request.putBytes<BlockWrite::kData, kBlockBytes>(data, bytes);
     return request.send();
 }
 
 // Hold, then the settling time every load needs.
 ResultCode holdAndSettle(DeviceHandle handle) {
-    const ResultCode held = sendHandleOnly(kFunctionHold, handle);
+    const ResultCode held = sendHandleOnly<wire::dsp::Hold>(handle);
     if (isFailure(held)) return held;
     RYN_DECORATED(OsaThreadSleep, 4)(kSettleMs);
     return 0;
@@ -102,36 +97,7 @@ struct Chunk {
     std::span<const uint8_t> data;  // units × unit size bytes, little-endian words
 };
 
-uint16_t wordAt(std::span<const uint8_t> data, size_t index) {
-    return static_cast<uint16_t>(data[2 * index] | data[2 * index + 1] << 8);
-}
-
-// An image in the caller's memory, filled up to its capacity. Its state
-// lives for one create call.
-class ImageWriter {
-public:
-    ImageWriter(uint16_t *buffer, uint32_t capacity) : buffer_(buffer), capacity_(capacity) {}
-
-    uint32_t used() const { return used_; }
-    bool fits(uint64_t words) const { return used_ + words <= capacity_; }
-    bool put(uint16_t word) {
-        if (used_ >= capacity_) return false;
-        buffer_[used_++] = word;
-        return true;
-    }
-    // The next `words` words of the image, which the caller fills; only
-    // after fits(words).
-    uint16_t *take(uint32_t words) {
-        uint16_t *at = buffer_ + used_;
-        used_ += words;
-        return at;
-    }
-
-private:
-    uint16_t *buffer_;
-    uint32_t capacity_;
-    uint32_t used_ = 0;
-};
+uint16_t wordAt(std::span<const uint8_t> data, size_t index) { return wire::le::load16(&data[2 * index]); }
 
 enum class Mode { Direct, CommandStream, Records };
 
@@ -155,44 +121,33 @@ public:
 private:
     ResultCode direct(const Chunk &chunk) {
         if (file_.byteTarget()) return sendByteBlock(handle_, chunk.units, chunk.address, chunk.data.data());
-        return sendWordBlock(handle_, kDirectStaging, chunk.units, chunk.address, chunk.page, chunk.data.data());
+        return sendWordBlock(handle_, BlockWrite::kFileStaging, chunk.units, chunk.address, chunk.page,
+                             chunk.data.data());
     }
 
-    // One block of (tag, value) pairs; a word that does not fit fails the load.
+    // One block of the command stream; a word that does not fit fails the load.
     ResultCode commandStream(const Chunk &chunk) {
         if (file_.byteTarget()) return RYN_FAILURE(kErrNotProvided);
-        const auto address = static_cast<uint16_t>(chunk.address);
-        const auto last = static_cast<uint16_t>(chunk.units - 1);
-        bool ok = pair(0x0004, 0x0FFF);
-        if (chunk.page == 0) {
-            ok = ok && pair(0x0002, 0x0000) && pair(0x0002, address) && pair(0x0002, last) && pair(0x0002, 0x1004);
-        } else if (chunk.page == 1 || chunk.page == 2) {
-            ok = ok && pair(0x0002, 0x0001) && pair(0x0002, 0x1004) && pair(0x0002, last) && pair(0x0002, address);
-        }
-        for (uint32_t i = 0; ok && i < chunk.units; ++i) ok = pair(0x0002, wordAt(chunk.data, i));
-        ok = ok && pair(0x0000, 0x0808) && pair(0xFFFF, 0xFFFF);
+        bool ok = image_->openBlock(chunk.page, static_cast<uint16_t>(chunk.address), chunk.units);
+        for (uint32_t i = 0; ok && i < chunk.units; ++i) ok = image_->blockWord(wordAt(chunk.data, i));
+        ok = ok && image_->closeBlock();
         return ok ? 0 : RYN_FAILURE(kErrImageFull);
     }
-    bool pair(uint16_t tag, uint16_t value) { return image_->put(tag) && image_->put(value); }
 
     // One record: address and count high half first, then the data (byte
     // records: two bytes a word, the earlier in the low half). The count is
     // reserved in full, also for byte records.
     ResultCode record(const Chunk &chunk) {
         if (file_.version() == 1) return RYN_FAILURE(kErrNotAvailable);
-        if (image_->used() == 0) {
-            for (uint16_t word : kRecordMagic) image_->put(word);
-            image_->put(file_.byteTarget() ? 2 : 1);
-        }
-        if (!image_->fits(uint64_t{chunk.units} + kRecordFieldWords)) return RYN_FAILURE(kErrImageFull);
-        image_->put(static_cast<uint16_t>(chunk.address >> 16));
-        image_->put(static_cast<uint16_t>(chunk.address));
-        image_->put(static_cast<uint16_t>(chunk.units >> 16));
-        image_->put(static_cast<uint16_t>(chunk.units));
+        if (image_->used() == 0)
+            image_->recordHeader(file_.byteTarget() ? wire::dsp_image::kByteRecords : wire::dsp_image::kWordRecords);
+        if (!image_->fits(uint64_t{chunk.units} + wire::dsp_image::kRecordFieldWords))
+            return RYN_FAILURE(kErrImageFull);
+        image_->recordFields(chunk.address, chunk.units);
         // Two bytes a word, the earlier in the low half, as the file holds
         // words; an odd last byte stands alone.
         const size_t pairs = chunk.data.size() / 2;
-        uint16_t *to = image_->take(static_cast<uint32_t>((chunk.data.size() + 1) / 2));
+        uint16_t *to = image_->take(static_cast<uint32_t>((chunk.data.size() + 1) / 2)).data();
         if constexpr (std::endian::native == std::endian::little) {
             // Whole chunks take the copy of constant length, which compiles to plain moves.
             if (pairs * 2 == kBlockBytes) {
@@ -298,42 +253,28 @@ uint32_t moduleFlag(const char *fileName) {
 
 // ---- Shipping a program image ----------------------------------------------
 
-bool isRecordImage(const uint16_t *image, uint32_t length, uint16_t &version) {
-    if (length < kRecordHeaderWords || std::memcmp(image, kRecordMagic, sizeof kRecordMagic) != 0) return false;
-    version = image[4];
-    return version == 1 || version == 2;
-}
-
 // Sends each record with a block write. A record that reaches past the
 // length, or holds more than one block write carries, is refused before it
 // is sent.
-ResultCode shipRecords(DeviceHandle handle, const uint16_t *image, uint32_t length, uint16_t version) {
-    uint32_t at = kRecordHeaderWords;
-    while (at != length) {
-        if (length - at < kRecordFieldWords) return RYN_FAILURE(kErrLengthMismatch);
-        const uint32_t address = uint32_t{image[at]} << 16 | image[at + 1];
-        const uint32_t count = uint32_t{image[at + 2]} << 16 | image[at + 3];
-        at += kRecordFieldWords;
-        const uint32_t maximum = version == 1 ? kBlockBytes / 2 : kBlockBytes;
-        const uint64_t words = version == 1 ? uint64_t{count} : (uint64_t{count} + 1) / 2;
-        if (words > length - at) return RYN_FAILURE(kErrLengthMismatch);
-        if (count > maximum) return RYN_FAILURE(kErrLengthMismatch);
+ResultCode shipRecords(DeviceHandle handle, wire::dsp_image::RecordReader records) {
+    while (!records.done()) {
+        const std::optional<wire::dsp_image::Record> record = records.next();
+        if (!record) return RYN_FAILURE(kErrLengthMismatch);
         uint8_t data[kBlockBytes];
-        for (uint32_t i = 0; i < words; ++i) {
-            data[2 * i] = static_cast<uint8_t>(image[at + i]);
-            data[2 * i + 1] = static_cast<uint8_t>(image[at + i] >> 8);
-        }
-        const ResultCode sent = version == 1 ? sendWordBlock(handle, 0, count, address, kImageRecordPage, data)
-                                             : sendByteBlock(handle, count, address, data);
+        for (size_t i = 0; i < record->data.size(); ++i) wire::le::store16(data + 2 * i, record->data[i]);
+        const ResultCode sent = record->bytes ? sendByteBlock(handle, record->count, record->address, data)
+                                              : sendWordBlock(handle, BlockWrite::kImageStaging, record->count,
+                                                              record->address, BlockWrite::kImagePage, data);
         if (isFailure(sent)) return sent;
-        at += static_cast<uint32_t>(words);
     }
     return 0;
 }
 
 ResultCode shipCommandStream(DeviceHandle handle, const uint16_t *image, uint16_t length) {
-    Request<26, 12> request(kFunctionLoadImage);
-    request.put<16>(handle).putAddress<20>(image, uint32_t{length} * 2).put16<24>(length);
+    using Wire = wire::dsp::LoadImage;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).putAddress<Wire::kImage>(image, uint32_t{length} * 2);
+    request.put16<Wire::kLength>(length);
     return request.send();
 }
 
@@ -361,7 +302,7 @@ ResultCode RYN_DECORATED(RynDspCreateProgramImage, 24)(const char *fileName, con
     if (used == nullptr || entry == nullptr || (buffer == nullptr && capacity != 0))
         return RYN_FAILURE(kErrNullPointer);
     *used = 0;
-    ImageWriter image(buffer, capacity);
+    ImageWriter image({buffer, capacity});
     uint32_t address = 0;
     const ResultCode loaded = loadProgram(fileName, entryName, Mode::CommandStream, 0, &image, address);
     *used = static_cast<uint16_t>(image.used());
@@ -374,8 +315,8 @@ ResultCode RYN_DECORATED(RynDspCreateProgramImageEx, 24)(const char *fileName, c
     if (used == nullptr || entry == nullptr || (buffer == nullptr && capacity != 0))
         return RYN_FAILURE(kErrNullPointer);
     *used = 0;
-    if (capacity < kRecordHeaderWords) return RYN_FAILURE(kErrRange);
-    ImageWriter image(buffer, capacity);
+    if (capacity < wire::dsp_image::kRecordHeaderWords) return RYN_FAILURE(kErrRange);
+    ImageWriter image({buffer, capacity});
     uint32_t address = 0;
     const ResultCode loaded = loadProgram(fileName, entryName, Mode::Records, 0, &image, address);
     *used = image.used();
@@ -388,9 +329,8 @@ ResultCode RYN_DECORATED(RynDspRunImage, 16)(DeviceHandle handle, const uint16_t
     if (!isDriverObject(handle)) return RYN_FAILURE(kErrInvalidHandle);
     if (image == nullptr && length != 0) return RYN_FAILURE(kErrNullPointer);
     if (const ResultCode held = holdAndSettle(handle); isFailure(held)) return held;
-    uint16_t version = 0;
-    const ResultCode shipped = isRecordImage(image, length, version) ? shipRecords(handle, image, length, version)
-                                                                     : shipCommandStream(handle, image, length);
+    const auto records = wire::dsp_image::RecordReader::open({image, length});
+    const ResultCode shipped = records ? shipRecords(handle, *records) : shipCommandStream(handle, image, length);
     if (isFailure(shipped)) {
         cleanUpTransfer(handle);
         return shipped;

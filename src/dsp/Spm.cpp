@@ -2,6 +2,7 @@
 // handle.
 #include "dsp/Spm.h"
 
+#include "DspWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 #include "device/HandleKinds.h"
@@ -52,12 +53,13 @@ extern "C" {
 
 ResultCode RYN_DECORATED(RynDspRunSpm, 8)(DeviceHandle handle, uint32_t module) {
     if (!isDriverObject(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    Request<20, 16> query(0x9A4);  // the DSP type
-    query.put<16>(handle);
+    using Wire = wire::dsp::QueryDspType;
+    RequestOf<Wire> query;
+    query.put<wire::kHandle>(handle);
     const ResultCode queried = query.send();
     if (isFailure(queried)) return queried;
     if (!knownModule(module)) return RYN_FAILURE(kErrRange);
-    const spm::Module *found = spm::find(module, query.get<8>());
+    const spm::Module *found = spm::find(module, query.get<Wire::kReplyType>());
     if (found == nullptr) return RYN_FAILURE(kErrNotAvailable);
     return RYN_DECORATED(RynDspRunImage, 16)(handle, found->image.data(), static_cast<uint16_t>(found->image.size()),
                                              found->entry);

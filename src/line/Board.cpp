@@ -4,6 +4,8 @@
 #include <memory>
 #include <new>
 
+#include "BoardWire.h"
+#include "JtagWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 
@@ -16,7 +18,8 @@ constexpr uint8_t kSourceId = source::kJtag;
 // (the input's length and its NUL) that travel by address: the input, and
 // the output that the driver fills. The output copy is bounded to n bytes,
 // and ends with a NUL even when the driver's answer has none.
-ResultCode scan(uint32_t function, DeviceHandle handle, uint32_t param1, const char *input, char *output) {
+template <typename Wire>
+ResultCode scan(DeviceHandle handle, uint32_t param1, const char *input, char *output) {
     if (input == nullptr || output == nullptr) return RYN_FAILURE(kErrNullPointer);
     const size_t length = std::strlen(input);
     if (length >= UINT32_MAX) return RYN_FAILURE(kErrNoTransferMemory);
@@ -27,9 +30,10 @@ ResultCode scan(uint32_t function, DeviceHandle handle, uint32_t param1, const c
     std::memcpy(inBlock.get(), input, n);
     outBlock[0] = '\0';
 
-    Request<40, 12> request(function);
-    request.put<16>(handle).put<20>(param1).putAddress<24>(inBlock.get(), n).put<28>(n);
-    request.putAddress<32>(outBlock.get(), n).put<36>(n);
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle).template put<Wire::kParam1>(param1);
+    request.template putAddress<Wire::kInput>(inBlock.get(), n).template put<Wire::kInputSize>(n);
+    request.template putAddress<Wire::kOutput>(outBlock.get(), n).template put<Wire::kOutputSize>(n);
     const ResultCode result = request.send();
     const size_t answer = strnlen(outBlock.get(), n - 1);
     std::memcpy(output, outBlock.get(), answer);
@@ -45,35 +49,40 @@ using namespace ryn;
 extern "C" {
 
 ResultCode RYN_DECORATED(RynBrdSetClocks, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    Request<28, 12> request(0x99A);
-    request.put<16>(handle).put<20>(param1).put<24>(param2);
+    using Wire = wire::board::SetClocks;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1).put<Wire::kParam2>(param2);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynBrdTssConstByte, 16)(DeviceHandle handle, uint32_t param1, uint32_t param2, uint8_t value) {
-    Request<30, 12> request(0x99B);
-    request.put<16>(handle).put<20>(param1).put<24>(param2).put8<28>(value);
+    using Wire = wire::board::TssConstByte;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1).put<Wire::kParam2>(param2);
+    request.put8<Wire::kValue>(value);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynBrdCodecSetLaw, 8)(DeviceHandle handle, uint32_t law) {
-    Request<24, 12> request(0x99C);
-    request.put<16>(handle).put<20>(law);
+    using Wire = wire::board::CodecSetLaw;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kLaw>(law);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynJtagControl, 8)(DeviceHandle handle, uint32_t control) {
-    Request<24, 12> request(0x99A);
-    request.put<16>(handle).put<20>(control);
+    using Wire = wire::jtag::Control;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kControl>(control);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynJtagScanIr, 16)(DeviceHandle handle, uint32_t param1, const char *input, char *output) {
-    return scan(0x99B, handle, param1, input, output);
+    return scan<wire::jtag::ScanIr>(handle, param1, input, output);
 }
 
 ResultCode RYN_DECORATED(RynJtagScanDr, 16)(DeviceHandle handle, uint32_t param1, const char *input, char *output) {
-    return scan(0x99C, handle, param1, input, output);
+    return scan<wire::jtag::ScanDr>(handle, param1, input, output);
 }
 
 }  // extern "C"

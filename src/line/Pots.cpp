@@ -1,12 +1,14 @@
 // POTS line interfaces: hook control, pulse dialling, line-interface mode.
+#include "PotsWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 
 namespace ryn {
 namespace {
 
+namespace pots = wire::pots;
+
 constexpr uint8_t kSourceId = source::kPots;
-constexpr uint32_t kDigitArea = 128;  // of which 127 digits may be dialled
 
 }  // namespace
 }  // namespace ryn
@@ -15,38 +17,45 @@ using namespace ryn;
 
 extern "C" {
 
-ResultCode RYN_DECORATED(RynPotsOffHook, 4)(DeviceHandle handle) { return sendHandleOnly(0x99A, handle); }
+ResultCode RYN_DECORATED(RynPotsOffHook, 4)(DeviceHandle handle) { return sendHandleOnly<pots::OffHook>(handle); }
 
-ResultCode RYN_DECORATED(RynPotsOnHook, 4)(DeviceHandle handle) { return sendHandleOnly(0x99B, handle); }
+ResultCode RYN_DECORATED(RynPotsOnHook, 4)(DeviceHandle handle) { return sendHandleOnly<pots::OnHook>(handle); }
 
 ResultCode RYN_DECORATED(RynPotsHookFlash, 16)(DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3) {
-    Request<32, 12> request(0x99C);
-    request.put<16>(handle).put<20>(param1).put<24>(param2).put<28>(param3);
+    using Wire = pots::HookFlash;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1).put<Wire::kParam2>(param2);
+    request.put<Wire::kParam3>(param3);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynPotsPulseDial, 32)(DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3,
                                                const uint8_t *digits, uint32_t digitCount, uint32_t param6,
                                                uint32_t param7) {
-    if (digitCount >= kDigitArea) return RYN_FAILURE(kErrRange);
+    // The digit area holds one more than may be dialled.
+    using Wire = pots::PulseDial;
+    if (digitCount >= Wire::kDigitsSize) return RYN_FAILURE(kErrRange);
     if (digits == nullptr && digitCount != 0) return RYN_FAILURE(kErrNullPointer);
-    Request<172, 12> request(0x99D);
-    request.put<16>(handle).put<20>(param1).put<24>(param2).put<28>(param3);
-    request.putBytes<32, kDigitArea>(digits, digitCount).put<160>(digitCount).put<164>(param6).put<168>(param7);
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1).put<Wire::kParam2>(param2);
+    request.put<Wire::kParam3>(param3).putBytes<Wire::kDigits, Wire::kDigitsSize>(digits, digitCount);
+    request.put<Wire::kDigitCount>(digitCount).put<Wire::kParam6>(param6).put<Wire::kParam7>(param7);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynPotsSetLiMode, 8)(DeviceHandle handle, uint32_t mode) {
-    Request<24, 12> request(0x99E);
-    request.put<16>(handle).put<20>(mode);
+    using Wire = pots::SetLiMode;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kMode>(mode);
     return request.send();
 }
 
 ResultCode RYN_DECORATED(RynPotsGetLiMode, 8)(DeviceHandle handle, uint32_t *mode) {
-    Request<20, 16> request(0x99F);
-    request.put<16>(handle);
+    using Wire = pots::GetLiMode;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle);
     const ResultCode result = request.send();
-    if (mode != nullptr) *mode = request.get<8>();
+    if (mode != nullptr) *mode = request.get<Wire::kReplyMode>();
     return result;
 }
 

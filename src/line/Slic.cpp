@@ -4,34 +4,35 @@
 #include <cstdio>
 #include <cstring>
 
+#include "SlicWire.h"
 #include "core/ResultCode.h"
 #include "core/Transport.h"
 
 namespace ryn {
 namespace {
 
+namespace slic = wire::slic;
+
 constexpr ResultCode kBareRange = 0x80000009;    // a name or number of the wrong length
 constexpr ResultCode kBareBadData = 0x80000005;  // no local time for the driver's clock
 constexpr ResultCode kBareNullPointer = 0x8000000A;
 
 constexpr uint32_t kRingPauseMs = 200;
-constexpr size_t kNameLength = 15;    // in a 16-byte field
-constexpr size_t kNumberLength = 10;  // in an 11-byte field
-constexpr size_t kStampLength = 8;    // MMDDhhmm in a 9-byte field
 constexpr uint64_t kUnixEpochIn100ns = 116444736000000000ull;
 
 // Sends a request that carries a value reply and stores the value through
 // `status` (when given) whatever the result.
-template <uint32_t Length>
-ResultCode sendForStatus(Request<Length, 16> &request, uint32_t *status) {
+template <typename Wire>
+ResultCode sendForStatus(RequestOf<Wire> &request, uint32_t *status) {
     const ResultCode result = request.send();
-    if (status != nullptr) *status = request.template get<8>();
+    if (status != nullptr) *status = request.template get<Wire::kReplyStatus>();
     return result;
 }
 
-ResultCode readValue(uint32_t function, DeviceHandle handle, uint32_t *value) {
-    Request<20, 16> request(function);
-    request.put<16>(handle);
+template <typename Wire>
+ResultCode readValue(DeviceHandle handle, uint32_t *value) {
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle);
     return sendForStatus(request, value);
 }
 
@@ -43,61 +44,78 @@ using namespace ryn;
 extern "C" {
 
 ResultCode RYN_DECORATED(RynSlicSetResetPin, 8)(DeviceHandle handle, uint32_t state) {
-    Request<24, 12> request(0x99A);
-    request.put<16>(handle).put<20>(state);
+    using Wire = slic::SetResetPin;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kState>(state);
     return request.send();
 }
 
-ResultCode RYN_DECORATED(RynSlicEnableDialTone, 4)(DeviceHandle handle) { return sendHandleOnly(0x99B, handle); }
+ResultCode RYN_DECORATED(RynSlicEnableDialTone, 4)(DeviceHandle handle) {
+    return sendHandleOnly<slic::EnableDialTone>(handle);
+}
 
-ResultCode RYN_DECORATED(RynSlicEnableBusyTone, 4)(DeviceHandle handle) { return sendHandleOnly(0x99C, handle); }
+ResultCode RYN_DECORATED(RynSlicEnableBusyTone, 4)(DeviceHandle handle) {
+    return sendHandleOnly<slic::EnableBusyTone>(handle);
+}
 
-ResultCode RYN_DECORATED(RynSlicEnableReorderTone, 4)(DeviceHandle handle) { return sendHandleOnly(0x99D, handle); }
+ResultCode RYN_DECORATED(RynSlicEnableReorderTone, 4)(DeviceHandle handle) {
+    return sendHandleOnly<slic::EnableReorderTone>(handle);
+}
 
-ResultCode RYN_DECORATED(RynSlicEnableCongestionTone, 4)(DeviceHandle handle) { return sendHandleOnly(0x99E, handle); }
+ResultCode RYN_DECORATED(RynSlicEnableCongestionTone, 4)(DeviceHandle handle) {
+    return sendHandleOnly<slic::EnableCongestionTone>(handle);
+}
 
-ResultCode RYN_DECORATED(RynSlicEnableRingBackTone, 4)(DeviceHandle handle) { return sendHandleOnly(0x9A0, handle); }
+ResultCode RYN_DECORATED(RynSlicEnableRingBackTone, 4)(DeviceHandle handle) {
+    return sendHandleOnly<slic::EnableRingBackTone>(handle);
+}
 
 ResultCode RYN_DECORATED(RynSlicGetHookState, 8)(DeviceHandle handle, uint32_t *state) {
-    return readValue(0x9A1, handle, state);
+    return readValue<slic::GetHookState>(handle, state);
 }
 
 ResultCode RYN_DECORATED(RynSlicStartRingState, 8)(DeviceHandle handle, uint32_t *status) {
     // The line gets its pause before every ring, whatever its state.
     RYN_DECORATED(OsaThreadSleep, 4)(kRingPauseMs);
-    return readValue(0x9A2, handle, status);
+    return readValue<slic::StartRingState>(handle, status);
 }
 
 ResultCode RYN_DECORATED(RynSlicStopRingState, 8)(DeviceHandle handle, uint32_t *status) {
-    return readValue(0x9A3, handle, status);
+    return readValue<slic::StopRingState>(handle, status);
 }
 
 ResultCode RYN_DECORATED(RynSlicEnableAudio, 8)(DeviceHandle handle, uint32_t *status) {
-    return readValue(0x9A4, handle, status);
+    return readValue<slic::EnableAudio>(handle, status);
 }
 
 ResultCode RYN_DECORATED(RynSlicSignalDisconnectState, 12)(DeviceHandle handle, uint32_t param1, uint32_t *status) {
-    Request<24, 16> request(0x9A5);
-    request.put<16>(handle).put<20>(param1);
+    using Wire = slic::SignalDisconnectState;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).put<Wire::kParam1>(param1);
     return sendForStatus(request, status);
 }
 
 ResultCode RYN_DECORATED(RynSlicSetUserName, 12)(DeviceHandle handle, const char *name, uint32_t *status) {
     if (name == nullptr) return kBareNullPointer;
-    if (strnlen(name, kNameLength + 1) > kNameLength) return kBareRange;
+    using Wire = slic::SetUserName;
+    if (strnlen(name, Wire::kNameLength + 1) > Wire::kNameLength) return kBareRange;
     // A shorter name goes with its NUL, one of 15 characters without; byte
     // 35 ends the field either way.
     const size_t length = std::strlen(name);
-    Request<36, 16> request(0x9A6);
-    request.put<16>(handle).putBytes<20, kNameLength>(name, static_cast<uint32_t>(length + 1)).put8<35>(0);
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).putBytes<Wire::kName, Wire::kNameLength>(name,
+                                                                                static_cast<uint32_t>(length + 1));
+    request.put8<Wire::kNameEnd>(0);
     return sendForStatus(request, status);
 }
 
 ResultCode RYN_DECORATED(RynSlicSetPhoneNumber, 12)(DeviceHandle handle, const char *number, uint32_t *status) {
     if (number == nullptr) return kBareNullPointer;
-    if (strnlen(number, kNumberLength + 1) != kNumberLength) return kBareRange;
-    Request<32, 16> request(0x9A7);
-    request.put<16>(handle).putBytes<20, kNumberLength>(number, kNumberLength).put8<30>(0);
+    using Wire = slic::SetPhoneNumber;
+    if (strnlen(number, Wire::kNumberLength + 1) != Wire::kNumberLength) return kBareRange;
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).putBytes<Wire::kNumber, Wire::kNumberLength>(number, Wire::kNumberLength);
+    request.put8<Wire::kNumberEnd>(0);
     return sendForStatus(request, status);
 }
 
@@ -119,11 +137,13 @@ ResultCode RYN_DECORATED(RynSlicSendCallerID, 8)(DeviceHandle handle, uint32_t *
     }
     // Two decimal digits each; the fields of a local time are never negative.
     const auto twoDigits = [](int field) { return static_cast<unsigned>(field) % 100u; };
-    char stamp[kStampLength + 1] = {};
+    using Wire = slic::SendCallerId;
+    char stamp[Wire::kStampLength + 1] = {};
     std::snprintf(stamp, sizeof stamp, "%02u%02u%02u%02u", twoDigits(local->tm_mon + 1), twoDigits(local->tm_mday),
                   twoDigits(local->tm_hour), twoDigits(local->tm_min));
-    Request<30, 16> request(0x9A8);
-    request.put<16>(handle).putBytes<20, kStampLength>(stamp, kStampLength).put8<28>(0);
+    RequestOf<Wire> request;
+    request.put<wire::kHandle>(handle).putBytes<Wire::kStamp, Wire::kStampLength>(stamp, Wire::kStampLength);
+    request.put8<Wire::kStampEnd>(0);
     return sendForStatus(request, status);
 }
 

@@ -29,15 +29,20 @@ TEST_F(VirtualBoardTest, BlocksRefuseWhatIsNotTheirsOrNotYetPossible) {
         {RYN_VB_BLOCK_DSP_POTS, [](DeviceHandle b) { return RynCstPotsOffHook(b, 0, 0); }, 13},
         {RYN_VB_BLOCK_CST_DTMF_DIALLER, [](DeviceHandle b) { return RynCstDtmfDialerInit(b, 5); }, 9},
         // Set up first, then the refused request.
-        {RYN_VB_BLOCK_CST_DTMF_DIALLER, [](DeviceHandle b) { return RynCstDtmfDialerInit(b, 0), RynCstDtmfDial(b, "12X", 3, 0, 0); }, 9},
-        {RYN_VB_BLOCK_CST_CPT_GENERATOR, [](DeviceHandle b) { return RynCstCptGeneratorInit(b, 0, 0), RynCstCptGenerateTone(b, 5); }, 9},
+        {RYN_VB_BLOCK_CST_DTMF_DIALLER,
+         [](DeviceHandle b) { return RynCstDtmfDialerInit(b, 0), RynCstDtmfDial(b, "12X", 3, 0, 0); }, 9},
+        {RYN_VB_BLOCK_CST_CPT_GENERATOR,
+         [](DeviceHandle b) { return RynCstCptGeneratorInit(b, 0, 0), RynCstCptGenerateTone(b, 5); }, 9},
         {RYN_VB_BLOCK_CST_CPT_DETECTOR, [](DeviceHandle b) { return RynCstCptDetectorInit(b, 0, 51, 0); }, 9},
         {RYN_VB_BLOCK_CST_ECHO_CANCELLER, [](DeviceHandle b) { return RynCstEchoCancelInit(b, 129, 0); }, 9},
         {RYN_VB_BLOCK_CST_CALLER_ID_DETECTOR, [](DeviceHandle b) { return RynCstCidDetectorInit(b, 2, 0); }, 9},
-        {RYN_VB_BLOCK_CST_COMFORT_NOISE_GENERATOR, [](DeviceHandle b) { return RynCstComfortNoiseGeneratorInit(b, 91); }, 9},
+        {RYN_VB_BLOCK_CST_COMFORT_NOISE_GENERATOR,
+         [](DeviceHandle b) { return RynCstComfortNoiseGeneratorInit(b, 91); }, 9},
         {RYN_VB_BLOCK_DATA_CONVERTER, [](DeviceHandle b) { return RynDataConverterInit(b, 3, 0); }, 9},
-        {RYN_VB_BLOCK_CST_VOICE_MIXER, [](DeviceHandle b) { return RynCstVoiceMixerInitEX(b, nullptr, 0, nullptr, 0, -1); }, 9},
-        {RYN_VB_BLOCK_DSP_POTS, [](DeviceHandle b) { return RynCstPotsInit(b, 0, 0), RynCstPotsHookFlash(b, 0, 0, 0); }, 13},
+        {RYN_VB_BLOCK_CST_VOICE_MIXER,
+         [](DeviceHandle b) { return RynCstVoiceMixerInitEX(b, nullptr, 0, nullptr, 0, -1); }, 9},
+        {RYN_VB_BLOCK_DSP_POTS, [](DeviceHandle b) { return RynCstPotsInit(b, 0, 0), RynCstPotsHookFlash(b, 0, 0, 0); },
+         13},
     };
     for (const auto &c : cases) {
         const DeviceHandle b = block(c.type);
@@ -49,14 +54,16 @@ TEST_F(VirtualBoardTest, BlocksRefuseWhatIsNotTheirsOrNotYetPossible) {
 }
 
 TEST_F(VirtualBoardTest, ExtendedSetUpsAreCheckedAndKept) {
-    const DeviceHandle voice = block(RYN_VB_BLOCK_CST_VOICE_ACTIVITY_DETECTOR), mixer = block(RYN_VB_BLOCK_CST_VOICE_MIXER), converter = block(RYN_VB_BLOCK_DATA_CONVERTER);
+    const DeviceHandle voice = block(RYN_VB_BLOCK_CST_VOICE_ACTIVITY_DETECTOR),
+                       mixer = block(RYN_VB_BLOCK_CST_VOICE_MIXER), converter = block(RYN_VB_BLOCK_DATA_CONVERTER);
     int16_t words[13] = {13, 30, 100, 20};
     EXPECT_EQ(RynCstVoiceActivityDetectorInitEx(voice, words, 0), 0u);
     EXPECT_EQ(attribute(voice, RYN_VB_ATTR_CST_SET_UP), RYN_VB_CST_EXTENDED);
     words[2] = -1;
     EXPECT_EQ(errorOf(RynCstVoiceActivityDetectorInitEx(voice, words, 0)), 9u);
 
-    const uint32_t inputs[] = {block(RYN_VB_BLOCK_CST_CPT_GENERATOR), block(RYN_VB_BLOCK_CST_DTMF_DIALLER)}, unknown[] = {0x2FFFFFFF};
+    const uint32_t inputs[] = {block(RYN_VB_BLOCK_CST_CPT_GENERATOR), block(RYN_VB_BLOCK_CST_DTMF_DIALLER)},
+                   unknown[] = {0x2FFFFFFF};
     const uint16_t gains[] = {256, 128};
     EXPECT_EQ(RynCstVoiceMixerInitEX(mixer, inputs, 0, gains, 0, 2), 0u);
     EXPECT_EQ(attribute(mixer, RYN_VB_ATTR_CST_SET_UP), RYN_VB_CST_EXTENDED);
@@ -64,7 +71,8 @@ TEST_F(VirtualBoardTest, ExtendedSetUpsAreCheckedAndKept) {
     EXPECT_EQ(errorOf(RynCstVoiceMixerInitEX(mixer, &mixer, 0, gains, 0, 1)), 11u);  // not itself
 
     EXPECT_EQ(RynDataConverterInit(converter, RYN_VB_CONVERT_A_LAW, 0), 0u);
-    EXPECT_EQ(attribute(converter, RYN_VB_ATTR_CONVERTER_CONVERSION) * 10000 + attribute(converter, RYN_VB_ATTR_CONVERTER_BLOCK),
+    EXPECT_EQ(attribute(converter, RYN_VB_ATTR_CONVERTER_CONVERSION) * 10000 +
+                  attribute(converter, RYN_VB_ATTR_CONVERTER_BLOCK),
               RYN_VB_CONVERT_A_LAW * 10000 + 160);
 }
 
@@ -108,7 +116,9 @@ TEST_F(VirtualBoardTest, CallProgressTablesAreCheckedAgainstTheirSlots) {
 }
 
 TEST_F(VirtualBoardTest, CallProgressTonesAreRecognisedInOrder) {
-    const DeviceHandle generator = block(RYN_VB_BLOCK_CST_CPT_GENERATOR), detector = block(RYN_VB_BLOCK_CST_CPT_DETECTOR), voice = block(RYN_VB_BLOCK_CST_VOICE_ACTIVITY_DETECTOR);
+    const DeviceHandle generator = block(RYN_VB_BLOCK_CST_CPT_GENERATOR),
+                       detector = block(RYN_VB_BLOCK_CST_CPT_DETECTOR),
+                       voice = block(RYN_VB_BLOCK_CST_VOICE_ACTIVITY_DETECTOR);
     ASSERT_EQ(RynDrvConnectLogicalDevice(generator, 0, detector, 0), 0u);
     ASSERT_EQ(RynDrvConnectLogicalDevice(generator, 0, voice, 0), 0u);
     EventListener tones(detector), voices(voice);
@@ -121,7 +131,8 @@ TEST_F(VirtualBoardTest, CallProgressTonesAreRecognisedInOrder) {
         ASSERT_EQ(RynCstCptGenerateTone(generator, tone), 0u);
         EXPECT_EQ(got(RynCstCptDetectorStatus, detector), tone);
     }
-    EXPECT_EQ(tones.drain(RYN_VB_EVENT_CALL_PROGRESS), (Values{{RYN_VB_CPT_BUSY, 0}, {RYN_VB_CPT_DIAL, 0}, {RYN_VB_CPT_RINGBACK, 0}, {RYN_VB_CPT_REORDER, 0}}));
+    EXPECT_EQ(tones.drain(RYN_VB_EVENT_CALL_PROGRESS),
+              (Values{{RYN_VB_CPT_BUSY, 0}, {RYN_VB_CPT_DIAL, 0}, {RYN_VB_CPT_RINGBACK, 0}, {RYN_VB_CPT_REORDER, 0}}));
     EXPECT_EQ(voices.drain(RYN_VB_EVENT_SILENCE).size(), 4u);  // after the bursts of busy and ringback
     EXPECT_EQ(got(RynCstVoiceActivityDetectorStatus, voice), 1u);
 
@@ -134,7 +145,8 @@ TEST_F(VirtualBoardTest, CallProgressTonesAreRecognisedInOrder) {
 }
 
 TEST_F(VirtualBoardTest, ToneTablesOfTheApplicationReplaceTheBuiltInTones) {
-    const DeviceHandle generator = block(RYN_VB_BLOCK_CST_CPT_GENERATOR), detector = block(RYN_VB_BLOCK_CST_CPT_DETECTOR);
+    const DeviceHandle generator = block(RYN_VB_BLOCK_CST_CPT_GENERATOR),
+                       detector = block(RYN_VB_BLOCK_CST_CPT_DETECTOR);
     ASSERT_EQ(RynDrvConnectLogicalDevice(generator, 0, detector, 0), 0u);
     EventListener tones(detector);
     // Values 440, 350 and 480 Hz; tone 9: the first two, not the third, for 300 ms at least.
@@ -145,14 +157,25 @@ TEST_F(VirtualBoardTest, ToneTablesOfTheApplicationReplaceTheBuiltInTones) {
     const CptDetectorConfig config{0, 0, 0, &table, 1, 0};
     ASSERT_EQ(RynCstCptDetectorInitEx(detector, 0, 0, &config, 0), 0u);
     ASSERT_EQ(RynCstCptGeneratorInit(generator, 0, 0), 0u);
-    for (uint32_t tone : {RYN_VB_CPT_BUSY, RYN_VB_CPT_RINGBACK, RYN_VB_CPT_DIAL}) ASSERT_EQ(RynCstCptGenerateTone(generator, tone), 0u);
+    for (uint32_t tone : {RYN_VB_CPT_BUSY, RYN_VB_CPT_RINGBACK, RYN_VB_CPT_DIAL})
+        ASSERT_EQ(RynCstCptGenerateTone(generator, tone), 0u);
     EXPECT_EQ(tones.drain(RYN_VB_EVENT_CALL_PROGRESS), (Values{{9, 0}}));
 }
 
 TEST_F(VirtualBoardTest, DialledDigitsReachTheDtmfDetector) {
-    const DeviceHandle dialler = block(RYN_VB_BLOCK_CST_DTMF_DIALLER), echo = block(RYN_VB_BLOCK_CST_ECHO_CANCELLER), detector = block(RYN_VB_BLOCK_CST_DTMF_DETECTOR);
-    ASSERT_EQ(RynDrvConnectLogicalDevice(dialler, 0, echo, 0), 0u);  // through a canceller
-    ASSERT_EQ(RynDrvConnectLogicalDevice(echo, 0, detector, 0), 0u);
+    const DeviceHandle dialler = block(RYN_VB_BLOCK_CST_DTMF_DIALLER), echo = block(RYN_VB_BLOCK_CST_ECHO_CANCELLER),
+                       detector = block(RYN_VB_BLOCK_CST_DTMF_DETECTOR);
+    const DeviceHandle mixer = block(RYN_VB_BLOCK_CST_VOICE_MIXER);
+    DeviceHandle pipes[2] = {};
+    for (DeviceHandle &pipe : pipes) ASSERT_EQ(RynDrvCreatePipe(0, &pipe), 0u);
+    // Through a canceller, which also feeds a loop back to itself through a
+    // mixer, and a loop of pipes that reaches the detector a second way:
+    // every digit is still heard once.
+    const std::pair<DeviceHandle, DeviceHandle> links[] = {
+        {dialler, echo},  {echo, detector},     {echo, mixer},        {mixer, echo},
+        {echo, pipes[0]}, {pipes[0], pipes[1]}, {pipes[1], pipes[0]}, {pipes[1], detector}};
+    for (const auto &[from, to] : links) ASSERT_EQ(RynDrvConnectLogicalDevice(from, 0, to, 0), 0u);
+    ASSERT_EQ(RynCstVoiceMixerInit(mixer, 0, 0), 0u);
     EventListener digits(detector), dialled(dialler);
     ASSERT_EQ(RynCstDtmfDialerInit(dialler, 0), 0u);
     ASSERT_EQ(RynCstEchoCancelInit(echo, 0, 0), 0u);
@@ -170,7 +193,8 @@ TEST_F(VirtualBoardTest, DialledDigitsReachTheDtmfDetector) {
 }
 
 TEST_F(VirtualBoardTest, MixerPassesOnItsInputsAtTheirGains) {
-    const DeviceHandle listed = block(RYN_VB_BLOCK_CST_DTMF_DIALLER), muted = block(RYN_VB_BLOCK_CST_DTMF_DIALLER), other = block(RYN_VB_BLOCK_CST_DTMF_DIALLER);
+    const DeviceHandle listed = block(RYN_VB_BLOCK_CST_DTMF_DIALLER), muted = block(RYN_VB_BLOCK_CST_DTMF_DIALLER),
+                       other = block(RYN_VB_BLOCK_CST_DTMF_DIALLER);
     const DeviceHandle mixer = block(RYN_VB_BLOCK_CST_VOICE_MIXER), detector = block(RYN_VB_BLOCK_CST_DTMF_DETECTOR);
     for (DeviceHandle dialler : {listed, muted, other}) {
         ASSERT_EQ(RynCstDtmfDialerInit(dialler, 0), 0u);
@@ -205,9 +229,9 @@ TEST_F(VirtualBoardTest, DspPotsBlockKeepsItsHookAndDaa) {
     EXPECT_EQ(attribute(line, RYN_VB_ATTR_DSP_POTS_MONITOR), 1u);
     EXPECT_EQ(RynCstPotsSenseLine(line, 0, 0), 0u);
     EXPECT_EQ(hooks.drain(RYN_VB_EVENT_HOOK_CHANGED), (Values{{RYN_VB_HOOK_OFF, RYN_VB_HOOK_CAUSE_REQUEST},
-                                                         {RYN_VB_HOOK_OFF, RYN_VB_HOOK_CAUSE_FLASH},
-                                                         {RYN_VB_HOOK_ON, RYN_VB_HOOK_CAUSE_LINE_MONITOR},
-                                                         {RYN_VB_HOOK_ON, RYN_VB_HOOK_CAUSE_SENSE}}));
+                                                              {RYN_VB_HOOK_OFF, RYN_VB_HOOK_CAUSE_FLASH},
+                                                              {RYN_VB_HOOK_ON, RYN_VB_HOOK_CAUSE_LINE_MONITOR},
+                                                              {RYN_VB_HOOK_ON, RYN_VB_HOOK_CAUSE_SENSE}}));
     EXPECT_EQ(errorOf(RynCstPotsPulseDial(line, 3, 0, 0)), 13u);  // on hook
 }
 

@@ -18,6 +18,8 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+
+#include "LittleEndian.h"
 #endif
 
 #include <algorithm>
@@ -68,32 +70,51 @@ std::string libraryName(int format) {
 
 std::string containerName(int format) {
     switch (format & SF_FORMAT_TYPEMASK) {
-    case SF_FORMAT_WAV:
-    case SF_FORMAT_WAVEX: return "WAV";
-    case SF_FORMAT_AIFF: return "AIFF";
-    case SF_FORMAT_AU: return "AU";
-    case SF_FORMAT_RAW: return "raw";
-    case SF_FORMAT_FLAC: return "FLAC";
-    case SF_FORMAT_OGG: return "Ogg";
-    case SF_FORMAT_CAF: return "CAF";
-    case SF_FORMAT_W64: return "W64";
-    case SF_FORMAT_RF64: return "RF64";
-    default: return libraryName(format & SF_FORMAT_TYPEMASK);
+        case SF_FORMAT_WAV:
+        case SF_FORMAT_WAVEX:
+            return "WAV";
+        case SF_FORMAT_AIFF:
+            return "AIFF";
+        case SF_FORMAT_AU:
+            return "AU";
+        case SF_FORMAT_RAW:
+            return "raw";
+        case SF_FORMAT_FLAC:
+            return "FLAC";
+        case SF_FORMAT_OGG:
+            return "Ogg";
+        case SF_FORMAT_CAF:
+            return "CAF";
+        case SF_FORMAT_W64:
+            return "W64";
+        case SF_FORMAT_RF64:
+            return "RF64";
+        default:
+            return libraryName(format & SF_FORMAT_TYPEMASK);
     }
 }
 
 std::string encodingName(int format) {
     switch (format & SF_FORMAT_SUBMASK) {
-    case SF_FORMAT_PCM_S8:
-    case SF_FORMAT_PCM_U8: return "8-bit";
-    case SF_FORMAT_PCM_16: return "16-bit";
-    case SF_FORMAT_PCM_24: return "24-bit";
-    case SF_FORMAT_PCM_32: return "32-bit";
-    case SF_FORMAT_FLOAT: return "float";
-    case SF_FORMAT_DOUBLE: return "double";
-    case SF_FORMAT_ULAW: return "mu-law";
-    case SF_FORMAT_ALAW: return "A-law";
-    default: return libraryName(format & SF_FORMAT_SUBMASK);
+        case SF_FORMAT_PCM_S8:
+        case SF_FORMAT_PCM_U8:
+            return "8-bit";
+        case SF_FORMAT_PCM_16:
+            return "16-bit";
+        case SF_FORMAT_PCM_24:
+            return "24-bit";
+        case SF_FORMAT_PCM_32:
+            return "32-bit";
+        case SF_FORMAT_FLOAT:
+            return "float";
+        case SF_FORMAT_DOUBLE:
+            return "double";
+        case SF_FORMAT_ULAW:
+            return "mu-law";
+        case SF_FORMAT_ALAW:
+            return "A-law";
+        default:
+            return libraryName(format & SF_FORMAT_SUBMASK);
     }
 }
 
@@ -212,13 +233,17 @@ int16_t linearFromAlaw(uint8_t code) {
     return static_cast<int16_t>((a & 0x80) != 0 ? magnitude : -magnitude);
 }
 
-void put16(std::string &to, uint32_t value) { to += {static_cast<char>(value), static_cast<char>(value >> 8)}; }
-void put32(std::string &to, uint32_t value) {
-    put16(to, value & 0xFFFF);
-    put16(to, value >> 16);
+// WAV fields are little-endian.
+void put16(std::string &to, uint16_t value) {
+    uint8_t bytes[2];
+    wire::le::store16(bytes, value);
+    to.append(reinterpret_cast<const char *>(bytes), sizeof bytes);
 }
-uint32_t get16(const std::vector<uint8_t> &from, size_t at) { return from[at] | (from[at + 1] << 8u); }
-uint32_t get32(const std::vector<uint8_t> &from, size_t at) { return get16(from, at) | (get16(from, at + 2) << 16); }
+void put32(std::string &to, uint32_t value) {
+    uint8_t bytes[4];
+    wire::le::store32(bytes, value);
+    to.append(reinterpret_cast<const char *>(bytes), sizeof bytes);
+}
 
 #endif
 
@@ -434,13 +459,14 @@ bool read(const std::string &path, std::vector<int16_t> &samples, std::string &e
     };
     if (bytes.size() < 12 || std::memcmp(bytes.data(), "RIFF", 4) != 0 || std::memcmp(bytes.data() + 8, "WAVE", 4) != 0)
         return refuse("not a WAV file");
+    const wire::le::Reader file(bytes);
     uint32_t tag = 0, channels = 0, rate = 0, bits = 0;
     for (size_t at = 12; at + 8 <= bytes.size();) {
-        const uint32_t length = get32(bytes, at + 4);
+        const uint32_t length = file.u32(at + 4);
         const size_t start = at + 8, count = std::min<size_t>(length, bytes.size() - start);
         if (std::memcmp(bytes.data() + at, "fmt ", 4) == 0 && count >= 16) {
-            tag = get16(bytes, start), channels = get16(bytes, start + 2), rate = get32(bytes, start + 4);
-            bits = get16(bytes, start + 14);
+            tag = file.u16(start), channels = file.u16(start + 2), rate = file.u32(start + 4);
+            bits = file.u16(start + 14);
         } else if (std::memcmp(bytes.data() + at, "data", 4) == 0) {
             const bool pcm = tag == kTagPcm && bits == 16, g711 = (tag == kTagUlaw || tag == kTagAlaw) && bits == 8;
             if (channels != 1 || rate != kSampleRate || !(pcm || g711)) {
@@ -451,7 +477,7 @@ bool read(const std::string &path, std::vector<int16_t> &samples, std::string &e
                 return refuse(std::to_string(rate) + " Hz " + std::to_string(channels) + "-channel WAV " + kind);
             }
             for (size_t i = start; i + (pcm ? 1 : 0) < start + count; i += pcm ? 2 : 1)
-                samples.push_back(pcm               ? static_cast<int16_t>(get16(bytes, i))
+                samples.push_back(pcm               ? static_cast<int16_t>(file.u16(i))
                                   : tag == kTagUlaw ? linearFromUlaw(bytes[i])
                                                     : linearFromAlaw(bytes[i]));
             if (!pcm)

@@ -4,8 +4,8 @@
 
 #include <cstring>
 
+#include "Coff.h"
 #include "Rynctl.h"
-#include "dsp/Coff.h"
 
 namespace rynctl {
 
@@ -123,9 +123,10 @@ Command coffCommand(CLI::App &rynctl) {
     };
     auto o = std::make_shared<Options>();
     CLI::App *app = rynctl.add_subcommand("coff", "what a DSP program file holds");
-    app->footer("Prints a DSP program file's version, target, sections (name, DSP address, size in load units,\n"
-                "whether the loader sends it) and the entry address the loader would start it at: the file's\n"
-                "own, or that of symbol or hexadecimal address NAME. Needs no driver.");
+    app->footer(
+        "Prints a DSP program file's version, target, sections (name, DSP address, size in load units,\n"
+        "whether the loader sends it) and the entry address the loader would start it at: the file's\n"
+        "own, or that of symbol or hexadecimal address NAME. Needs no driver.");
     app->add_option("FILE", o->path, "the program file (TI COFF, version 1 or 2)")->required();
     app->add_option("--entry", o->entry, "the entry symbol or hexadecimal address")->type_name("NAME");
     return {app, [o] { return coff(o->path.c_str(), o->entry.c_str()); }};
@@ -138,10 +139,11 @@ Command imageCommand(CLI::App &rynctl) {
     };
     auto o = std::make_shared<Options>();
     CLI::App *app = rynctl.add_subcommand("image", "a program image made from a program file");
-    app->footer("Makes a program image from a DSP program file through the library's create calls and writes\n"
-                "it to OUT as 16-bit little-endian words: a command-stream image (word targets), or with\n"
-                "--records a record image (version 2 files). Prints the image's length in words and its entry\n"
-                "address. Needs no driver.");
+    app->footer(
+        "Makes a program image from a DSP program file through the library's create calls and writes\n"
+        "it to OUT as 16-bit little-endian words: a command-stream image (word targets), or with\n"
+        "--records a record image (version 2 files). Prints the image's length in words and its entry\n"
+        "address. Needs no driver.");
     app->add_option("FILE", o->path, "the program file (TI COFF, version 1 or 2)")->required();
     app->add_option("-o,--output", o->out, "the image file to write")->required()->type_name("OUT");
     app->add_flag("--records", o->records, "make a record image instead of a command-stream image");

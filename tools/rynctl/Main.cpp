@@ -9,7 +9,6 @@
 #include <iostream>
 
 #include "Rynctl.h"
-#include "core/Version.h"
 
 namespace rynctl {
 
@@ -39,12 +38,14 @@ CLI::Option *addDevice(CLI::App &app, std::string &value, const std::string &des
                 if (parseNumber(text.c_str())) return "";
                 const size_t colon = text.find(':');
                 std::vector<std::string> types;
-                for (int32_t type = RYN_VB_DEVICE_BOARD; typeName(type) != nullptr; ++type) types.push_back(typeName(type));
+                for (int32_t type = RYN_VB_DEVICE_BOARD; typeName(type) != nullptr; ++type)
+                    types.push_back(typeName(type));
                 const std::string type = text.substr(0, colon);
                 if (colon != std::string::npos && parseNumber(text.c_str() + colon + 1) &&
                     std::find(types.begin(), types.end(), type) != types.end())
                     return "";
-                std::string why = "\"" + text + "\" names no device: expected TYPE:NUMBER with TYPE board, t1e1, "
+                std::string why = "\"" + text +
+                                  "\" names no device: expected TYPE:NUMBER with TYPE board, t1e1, "
                                   "dsp, hdlc, raw, burst, pots, slic or jtag (dsp:0, hdlc:1), or a driver handle";
                 const std::string near = nearest(type, types);
                 if (!near.empty() && colon != std::string::npos)
@@ -152,20 +153,21 @@ int usageError(CLI::App &rynctl, const CLI::ParseError &error) {
 
 int main(int argc, char **argv) {
     using namespace rynctl;
-    CLI::App rynctl("rynctl " + std::string(ryn::kLibraryVersionText) +
+    CLI::App rynctl("rynctl " + std::string(RYNCTL_VERSION_TEXT) +
                         ": a command-line view of the RynHwDll library, the driver it reaches and the board "
                         "behind it.",
                     "rynctl");
     rynctl.get_formatter()->column_width(28);
     rynctl.require_subcommand(1);
-    rynctl.set_version_flag("--version", [] {
-        return "rynctl " + std::string(ryn::kLibraryVersionText) + "\nRynHwDll library " + libraryVersion();
-    }, "print the versions of rynctl and of the library it runs with, and exit");
+    rynctl.set_version_flag(
+        "--version",
+        [] { return "rynctl " + std::string(RYNCTL_VERSION_TEXT) + "\nRynHwDll library " + libraryVersion(); },
+        "print the versions of rynctl and of the library it runs with, and exit");
     rynctl.set_help_flag("-h,--help", "print this help and exit");
     const Command commands[] = {
-        demoCommand(rynctl),  infoCommand(rynctl),   listCommand(rynctl), attrCommand(rynctl),
-        eventsCommand(rynctl), loadCommand(rynctl),  recordCommand(rynctl), playCommand(rynctl),
-        spmCommand(rynctl),   coffCommand(rynctl),   imageCommand(rynctl), resultCommand(rynctl),
+        demoCommand(rynctl),   infoCommand(rynctl), listCommand(rynctl),   attrCommand(rynctl),
+        eventsCommand(rynctl), loadCommand(rynctl), recordCommand(rynctl), playCommand(rynctl),
+        spmCommand(rynctl),    coffCommand(rynctl), imageCommand(rynctl),  resultCommand(rynctl),
     };
     // Plainer help: commands rather than subcommands, arguments listed by
     // their names alone, the exit status under each command.

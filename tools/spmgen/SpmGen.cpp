@@ -13,10 +13,16 @@
 // Every image, read or made, is checked against its row before it is written.
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "DspImage.h"
+#include "LittleEndian.h"
+
 namespace {
+
+namespace image = wire::dsp_image;
 
 enum class Form { CommandStream, Records1, Records2 };
 
@@ -35,8 +41,7 @@ const Row kRows[] = {
 
 using Words = std::vector<uint16_t>;
 
-constexpr uint32_t kMaxUnits = 128;
-constexpr uint16_t kRecordHeader[4] = {0x54AB, 0x6D2E, 0x1010, 0x1C1C};
+constexpr uint32_t kMaxUnits = 128;  // of a block, and of a record of either kind
 
 // Contents: a linear congruential sequence seeded by the row, so that every
 // build makes the same images.
@@ -73,51 +78,57 @@ Words data(Contents &contents, uint32_t words, bool last, const char *text) {
     return out;
 }
 
+// An image of the row's length, written by `write`; empty when what it
+// writes does not fit, so that the check refuses it.
+template <typename Write>
+Words written(const Row &row, Write write) {
+    Words out(row.length);
+    image::ImageWriter writer(out);
+    write(writer);
+    if (writer.refused()) return {};
+    out.resize(writer.used());
+    return out;
+}
+
 // Blocks of 14 + 2n words: the code in program memory (page 0) around the
 // entry address, the last block in data memory (page 1).
 Words commandStream(const Row &row) {
     const uint32_t blocks = (row.length + 269) / 270;
-    const uint32_t dataWords = (row.length - 14 * blocks) / 2;
+    const uint32_t dataWords = (row.length - image::kBlockFrameWords * blocks) / 2;
     const std::vector<uint32_t> sizes = split(dataWords, blocks);
-    Contents contents(row);
-    uint32_t address = base(row.entry, dataWords - sizes.back(), 0x100);
-    Words out;
-    for (uint32_t b = 0; b < blocks; ++b) {
-        const bool last = b + 1 == blocks;
-        const uint16_t at = static_cast<uint16_t>(last ? 0x0080 : address);
-        const uint16_t count = static_cast<uint16_t>(sizes[b] - 1);
-        const Words setup = last ? Words{2, 1, 2, 0x1004, 2, count, 2, at} : Words{2, 0, 2, at, 2, count, 2, 0x1004};
-        out.insert(out.end(), {0x0004, 0x0FFF});
-        out.insert(out.end(), setup.begin(), setup.end());
-        for (uint16_t w : data(contents, sizes[b], last, row.text)) out.insert(out.end(), {0x0002, w});
-        out.insert(out.end(), {0x0000, 0x0808, 0xFFFF, 0xFFFF});
-        address += sizes[b];
-    }
-    return out;
+    return written(row, [&](image::ImageWriter &out) {
+        Contents contents(row);
+        uint32_t address = base(row.entry, dataWords - sizes.back(), 0x100);
+        for (uint32_t b = 0; b < blocks; ++b) {
+            const bool last = b + 1 == blocks;
+            out.openBlock(last ? 1 : 0, static_cast<uint16_t>(last ? 0x0080 : address), sizes[b]);
+            for (uint16_t w : data(contents, sizes[b], last, row.text)) out.blockWord(w);
+            out.closeBlock();
+            address += sizes[b];
+        }
+    });
 }
 
 // The record header, then records of at most 128 units at rising addresses
 // around the entry address: word records, or byte records of an even count.
 Words records(const Row &row) {
     const bool bytes = row.form == Form::Records2;
-    const uint32_t recordWords = 4 + (bytes ? kMaxUnits / 2 : kMaxUnits);
-    const uint32_t count = (row.length - 5 + recordWords - 1) / recordWords;
-    const uint32_t dataWords = row.length - 5 - 4 * count;
+    const uint32_t recordWords = image::kRecordFieldWords + (bytes ? kMaxUnits / 2 : kMaxUnits);
+    const uint32_t count = (row.length - image::kRecordHeaderWords + recordWords - 1) / recordWords;
+    const uint32_t dataWords = row.length - image::kRecordHeaderWords - image::kRecordFieldWords * count;
     const std::vector<uint32_t> sizes = split(dataWords, count);
     const uint32_t unitsPerWord = bytes ? 2 : 1;
-    Contents contents(row);
-    uint32_t address = base(row.entry, dataWords * unitsPerWord, 0x100);
-    Words out(kRecordHeader, kRecordHeader + 4);
-    out.push_back(bytes ? 2 : 1);
-    for (uint32_t r = 0; r < count; ++r) {
-        const uint32_t units = sizes[r] * unitsPerWord;
-        out.insert(out.end(), {static_cast<uint16_t>(address >> 16), static_cast<uint16_t>(address),
-                               static_cast<uint16_t>(units >> 16), static_cast<uint16_t>(units)});
-        const Words words = data(contents, sizes[r], r + 1 == count, row.text);
-        out.insert(out.end(), words.begin(), words.end());
-        address += units;
-    }
-    return out;
+    return written(row, [&](image::ImageWriter &out) {
+        Contents contents(row);
+        uint32_t address = base(row.entry, dataWords * unitsPerWord, 0x100);
+        out.recordHeader(bytes ? image::kByteRecords : image::kWordRecords);
+        for (uint32_t r = 0; r < count; ++r) {
+            const uint32_t units = sizes[r] * unitsPerWord;
+            out.recordFields(address, units);
+            for (uint16_t w : data(contents, sizes[r], r + 1 == count, row.text)) out.put(w);
+            address += units;
+        }
+    });
 }
 
 bool containsText(const Words &image, const char *text) {
@@ -131,38 +142,31 @@ bool containsText(const Words &image, const char *text) {
     return false;
 }
 
-// Walks an image as a loader ships it; an empty text when it is well formed.
-std::string check(const Row &row, const Words &image) {
-    if (image.size() != row.length) return "length " + std::to_string(image.size());
-    if (!containsText(image, row.text)) return "text missing";
+bool holdsEntry(const Row &row, uint32_t address, uint32_t units) {
+    return row.entry >= address && row.entry < address + units;
+}
+
+// Walks an image as a board loads it; an empty text when it is well formed.
+std::string check(const Row &row, const Words &words) {
+    if (words.size() != row.length) return "length " + std::to_string(words.size());
+    if (!containsText(words, row.text)) return "text missing";
     bool entryLoaded = false;
-    size_t at = 0;
     if (row.form == Form::CommandStream) {
-        while (at < image.size()) {
-            if (image.size() - at < 14 || image[at] != 4 || image[at + 1] != 0x0FFF) return "block opening";
-            const bool page0 = image[at + 3] == 0;
-            const uint32_t address = page0 ? image[at + 5] : image[at + 9];
-            const uint32_t units = uint32_t{image[at + 7]} + 1;  // the count pair stands third in both orders
-            if (units > kMaxUnits || image.size() - at < 14 + 2 * units) return "block size";
-            const size_t close = at + 10 + 2 * units;
-            if (image[close] != 0 || image[close + 1] != 0x0808 || image[close + 2] != 0xFFFF ||
-                image[close + 3] != 0xFFFF)
-                return "block closing";
-            if (page0 && row.entry >= address && row.entry < address + units) entryLoaded = true;
-            at = close + 4;
+        for (image::StreamReader stream(words); !stream.done();) {
+            const size_t at = stream.position();
+            const std::optional<image::Block> block = stream.next();
+            if (!block) return "malformed block at word " + std::to_string(at);
+            if (block->page == 0 && holdsEntry(row, block->address, block->count)) entryLoaded = true;
         }
     } else {
-        const bool bytes = row.form == Form::Records2;
-        if (image.size() < 5 || image[4] != (bytes ? 2 : 1)) return "record header";
-        at = 5;
-        while (at < image.size()) {
-            if (image.size() - at < 4) return "record fields";
-            const uint32_t address = uint32_t{image[at]} << 16 | image[at + 1];
-            const uint32_t units = uint32_t{image[at + 2]} << 16 | image[at + 3];
-            const uint32_t words = bytes ? (units + 1) / 2 : units;
-            if (units == 0 || units > kMaxUnits || image.size() - at - 4 < words) return "record size";
-            if (row.entry >= address && row.entry < address + units) entryLoaded = true;
-            at += 4 + words;
+        const auto records = image::RecordReader::open(words);
+        if (!records || records->bytes() != (row.form == Form::Records2)) return "record header";
+        for (image::RecordReader reader = *records; !reader.done();) {
+            const size_t at = reader.position();
+            const std::optional<image::Record> record = reader.next();
+            if (!record || record->count == 0 || record->count > kMaxUnits)
+                return "record size at word " + std::to_string(at);
+            if (holdsEntry(row, record->address, record->count)) entryLoaded = true;
         }
     }
     return entryLoaded ? std::string() : "entry address outside the loaded blocks";
@@ -176,7 +180,7 @@ bool readFirmware(const std::string &folder, const Row &row, Words &image) {
         return false;
     }
     uint8_t pair[2];
-    while (std::fread(pair, 1, 2, file) == 2) image.push_back(static_cast<uint16_t>(pair[0] | pair[1] << 8));
+    while (std::fread(pair, 1, 2, file) == 2) image.push_back(wire::le::load16(pair));
     std::fclose(file);
     return true;
 }
@@ -188,8 +192,9 @@ int main(int argc, char **argv) {
         std::fprintf(stderr, "usage: ryn_spmgen OUT.cpp [FIRMWARE_DIR]\n");
         return 2;
     }
-    std::string source = "// Made by ryn_spmgen from data/spm/ModuleTable.inc; do not edit.\n#include <cstdint>\n\n"
-                         "namespace ryn::spm {\n";
+    std::string source =
+        "// Made by ryn_spmgen from data/spm/ModuleTable.inc; do not edit.\n#include <cstdint>\n\n"
+        "namespace ryn::spm {\n";
     for (const Row &row : kRows) {
         Words image;
         if (argc == 3) {

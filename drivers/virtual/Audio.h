@@ -1,0 +1,56 @@
+// The board's audio path. Samples are 16-bit, 8 kHz, and travel one way:
+// a block's output goes along its connections, directly or through pipes,
+// to the blocks that take samples in; a block that passes samples on (a
+// mixer, an echo canceller) hands its output back, and the path carries it
+// on from there. Everything moves in frames of kFrame samples, the board
+// clock advancing by each frame, so that events carry the time they were
+// found. A family says only what its blocks do with a frame.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace vb {
+
+class Board;
+struct Object;
+struct Attribute;
+
+inline constexpr size_t kFrame = 80;  // 10 ms
+using Samples = std::span<const int16_t>;
+
+// What a family's blocks do with samples.
+struct Audio {
+    // Whether a block takes samples in (from connections, and from the
+    // application through the audio-in attribute).
+    bool (*takes)(const Object &block);
+    // A frame reaches a block that takes samples, from `from` (the handle of
+    // the block that played it, 0 for the application). A block that passes
+    // samples on writes its output to `out` and returns true.
+    bool (*arrive)(Board &board, Object &block, Samples frame, uint32_t from, std::vector<int16_t> &out);
+    // Whether a block gives samples to the application (the audio-out
+    // attribute); nullptr: none does.
+    bool (*gives)(const Object &block) = nullptr;
+    // The block's next samples, into `out`. Returns true when they are the
+    // block's live output, which then also goes to the connected blocks;
+    // false when they were played already (what remains of a dial).
+    bool (*render)(Object &block, std::span<int16_t> out) = nullptr;
+};
+
+// Plays a block's output to everything connected after it.
+void play(Board &board, const Object &block, Samples samples);
+
+// Runs the application's samples through one block, as if they arrived
+// through a connection.
+void listen(Board &board, Object &block, Samples samples);
+
+// The audio-out and audio-in attributes of the families that have audio.
+std::span<const Attribute> audioAttributes();
+
+// Samples as the application hands them over and takes them back: 16-bit
+// little-endian values (an odd last byte is left out).
+std::vector<int16_t> fromLittleEndian(std::span<const uint8_t> bytes);
+std::vector<uint8_t> toLittleEndian(std::span<const int16_t> samples);
+
+}  // namespace vb
