@@ -110,6 +110,10 @@ inline constexpr uint32_t kKindLogical = 0x20000000u;
 inline constexpr uint32_t kKindQueue = 0x30000000u;
 inline constexpr uint32_t kKindPipe = 0x40000000u;
 
+// Pipes and event queues are refused once the board holds this many objects,
+// its devices and blocks counted.
+inline constexpr size_t kObjectLimit = 4096;
+
 // Driver state values (RynDrvGetState, attribute 4).
 enum State : uint32_t {
     kStateIdle = RYN_VB_STATE_IDLE,
@@ -281,9 +285,10 @@ inline std::optional<uint32_t> setting(uint32_t value, uint32_t fallback, uint32
     return chosen;
 }
 
-// The table of the device-core requests (Core.cpp); the families' tables
-// are in Families.h.
+// The tables of the device-core requests (Core.cpp, CoreEvents.cpp); the
+// families' tables are in Families.h.
 Table coreTable();
+Table coreEventTable();
 
 // Attributes an object has beside the common ones (1 device type, 2 device
 // number, 3 name, 4 state, 5 label). A getter gets the caller's buffer

@@ -316,19 +316,11 @@ constexpr Row kRows[] = {
     row<CptDetectorInitEx>(only<kCptDetector, cptDetectorInitEx>),
 };
 
-const Attribute kAttributes[] = {kSetUpAttribute};
-
-bool makes(int32_t type) { return type == kCptDetector || type == kCptGenerator; }
 constexpr const Audio &kAudio = kListening<kCptDetector, inFrames<CptDetector, kCptFrame, cptFrame>>;
 
 }  // namespace
 
-const Family kCallProgressFamily{"Telephony call progress",
-                                 kRows,
-                                 kAttributes,
-                                 makePair<kCptDetector, CptDetector, CptGenerator>,
-                                 nullptr,
-                                 makes,
-                                 &kAudio};
+const Family kCallProgressFamily =
+    blockPair<kCptDetector, CptDetector, kCptGenerator, CptGenerator>("Telephony call progress", kRows, kAudio);
 
 }  // namespace vb

@@ -143,12 +143,11 @@ const Attribute kAttributes[] = {
     {RYN_VB_ATTR_CID_CHECKSUM_OK, RYN_VB_VALUE_BOOLEAN, checksumGood, nullptr},
 };
 
-bool makes(int32_t type) { return type == kCallerIdDetector; }
 constexpr const Audio &kAudio = kListening<kCallerIdDetector, callerIdReceive>;
 
 }  // namespace
 
-const Family kCallerIdFamily{
-    "Telephony caller identification", kRows, kAttributes, makeState<CallerIdDetector>, nullptr, makes, &kAudio};
+const Family kCallerIdFamily = blockPair<kCallerIdDetector, CallerIdDetector, kCallerIdDetector, CallerIdDetector>(
+    "Telephony caller identification", kRows, kAudio, kAttributes);
 
 }  // namespace vb

@@ -53,11 +53,26 @@ struct Block : ObjectState {
 std::vector<uint8_t> setUpValue(Call &, Object &object, uint32_t);
 inline constexpr Attribute kSetUpAttribute{RYN_VB_ATTR_CST_SET_UP, RYN_VB_VALUE_UINT32, setUpValue, nullptr};
 
-// The state maker of a family of two block types.
-template <int32_t FirstType, typename First, typename Second>
+inline constexpr Attribute kSetUpOnly[] = {kSetUpAttribute};
+
+template <int32_t First, typename FirstState, typename SecondState>
 std::unique_ptr<ObjectState> makePair(const Object &block) {
-    if (block.type == FirstType) return std::make_unique<First>();
-    return std::make_unique<Second>();
+    if (block.type == First) return std::make_unique<FirstState>();
+    return std::make_unique<SecondState>();
+}
+
+template <int32_t First, int32_t Second>
+bool makesEither(int32_t type) {
+    return type == First || type == Second;
+}
+
+// The row of a telephony family of two block types (or one, given twice),
+// each with a state of its own.
+template <int32_t First, typename FirstState, int32_t Second, typename SecondState>
+constexpr Family blockPair(const char *name, Table rows, const Audio &audio,
+                           std::span<const Attribute> attributes = kSetUpOnly) {
+    return {name,  rows, attributes, makePair<First, FirstState, SecondState>, nullptr, makesEither<First, Second>,
+            &audio};
 }
 
 inline int16_t signedWord(const Input &in, uint32_t offset) { return static_cast<int16_t>(in.u16(offset)); }

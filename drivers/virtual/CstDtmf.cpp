@@ -126,14 +126,11 @@ constexpr Row kRows[] = {
     row<DtmfDetectorStatus>(only<kDtmfDetector, dtmfDetectorStatus>),
 };
 
-const Attribute kAttributes[] = {kSetUpAttribute};
-
-bool makes(int32_t type) { return type == kDtmfDialler || type == kDtmfDetector; }
 constexpr const Audio &kAudio = kListening<kDtmfDetector, detect>;
 
 }  // namespace
 
-const Family kCstDtmfFamily{"Telephony DTMF", kRows, kAttributes, makePair<kDtmfDialler, DtmfDialler, DtmfDetector>,
-                            nullptr,          makes, &kAudio};
+const Family kCstDtmfFamily =
+    blockPair<kDtmfDialler, DtmfDialler, kDtmfDetector, DtmfDetector>("Telephony DTMF", kRows, kAudio);
 
 }  // namespace vb

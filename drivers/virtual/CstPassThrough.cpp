@@ -106,9 +106,6 @@ constexpr Row kRows[] = {
     row<VoiceMixerInitEx>(only<kVoiceMixer, mixerInitEx>),
 };
 
-const Attribute kAttributes[] = {kSetUpAttribute};
-
-bool makes(int32_t type) { return type == kVoiceMixer || type == kEchoCanceller; }
 bool takes(const Object &) { return true; }
 
 bool arrive(Board &, Object &block, Samples frame, uint32_t from, std::vector<int16_t> &out) {
@@ -123,12 +120,7 @@ constexpr Audio kAudio{takes, arrive};
 
 }  // namespace
 
-const Family kCstPassThroughFamily{"Telephony pass-through",
-                                   kRows,
-                                   kAttributes,
-                                   makePair<kVoiceMixer, VoiceMixer, EchoCanceller>,
-                                   nullptr,
-                                   makes,
-                                   &kAudio};
+const Family kCstPassThroughFamily =
+    blockPair<kVoiceMixer, VoiceMixer, kEchoCanceller, EchoCanceller>("Telephony pass-through", kRows, kAudio);
 
 }  // namespace vb

@@ -105,15 +105,11 @@ constexpr Row kRows[] = {
     row<VoiceActivityDetectorInitEx>(only<kVoiceActivityDetector, voiceInitEx>),
 };
 
-const Attribute kAttributes[] = {kSetUpAttribute};
-
-bool makes(int32_t type) { return type == kVoiceActivityDetector || type == kComfortNoiseGenerator; }
 constexpr const Audio &kAudio = kListening<kVoiceActivityDetector, inFrames<VoiceActivity, kVoiceFrame, voiceFrame>>;
 
 }  // namespace
 
-const Family kCstVoiceFamily{
-    "Telephony voice", kRows, kAttributes, makePair<kVoiceActivityDetector, VoiceActivity, ComfortNoise>,
-    nullptr,           makes, &kAudio};
+const Family kCstVoiceFamily = blockPair<kVoiceActivityDetector, VoiceActivity, kComfortNoiseGenerator, ComfortNoise>(
+    "Telephony voice", kRows, kAudio);
 
 }  // namespace vb

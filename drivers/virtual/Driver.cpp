@@ -54,16 +54,16 @@ int answer(Board &board, const RynDriverRequest &request, uint32_t *returned) {
 
     std::lock_guard<std::mutex> guard(board.lock);
     Object *object = nullptr;
-    Table table;
+    const Row *row = nullptr;
     if (function >= wire::core::kFirstFunction && function <= wire::core::kLastFunction) {
-        table = coreTable();
+        row = findRow(coreTable(), function);
+        if (row == nullptr) row = findRow(coreEventTable(), function);
     } else {
-        if (in.length() < 20) return refuse(request, VB_FAILURE(kLengthMismatch), returned);
-        object = board.find(in.u32(16));
+        if (in.length() < wire::HandleOnly::kRequest) return refuse(request, VB_FAILURE(kLengthMismatch), returned);
+        object = board.find(in.u32(wire::kHandle));
         if (object == nullptr) return refuse(request, VB_FAILURE(kInvalidHandle), returned);
-        table = object->family->rows;
+        row = findRow(object->family->rows, function);
     }
-    const Row *row = findRow(table, function);
     if (row == nullptr) return refuse(request, VB_FAILURE(kNotProvided), returned);
     const bool lengthFits = row->minimumLength ? in.length() >= row->requestLength : in.length() == row->requestLength;
     if (!lengthFits || request.outputLength < row->replyLength)

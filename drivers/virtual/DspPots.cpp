@@ -87,23 +87,12 @@ uint32_t init(Call &call) {
     return 0;
 }
 
-// param1 and param2 are not used by the virtual line.
-uint32_t offHook(Call &call, Line &line) {
-    line.monitor = false;
-    setHook(call, line, kOffHook, kCauseRequest);
-    return 0;
-}
-
-uint32_t onHook(Call &call, Line &line) {
-    line.monitor = false;
-    setHook(call, line, kOnHook, kCauseRequest);
-    return 0;
-}
-
-// On hook with the block listening to the line (for caller identification).
-uint32_t onHookLineMonitor(Call &call, Line &line) {
-    line.monitor = true;
-    setHook(call, line, kOnHook, kCauseLineMonitor);
+// Off hook, on hook, and on hook with the block listening to the line (for
+// caller identification). param1 and param2 are not used by the virtual line.
+template <Hook To, Cause Why, bool Monitor>
+uint32_t hookRequest(Call &call, Line &line) {
+    line.monitor = Monitor;
+    setHook(call, line, To, Why);
     return 0;
 }
 
@@ -157,11 +146,11 @@ uint32_t writeDaa(Call &call, Line &line) {
 
 constexpr Row kRows[] = {
     row<pots::Init>(init),
-    row<pots::OffHook>(ready<offHook>),
-    row<pots::OnHook>(ready<onHook>),
+    row<pots::OffHook>(ready<hookRequest<kOffHook, kCauseRequest, false>>),
+    row<pots::OnHook>(ready<hookRequest<kOnHook, kCauseRequest, false>>),
     row<pots::HookFlash>(ready<hookFlash>),
     row<pots::PulseDial>(ready<pulseDial>),
-    row<pots::OnHookLineMon>(ready<onHookLineMonitor>),
+    row<pots::OnHookLineMon>(ready<hookRequest<kOnHook, kCauseLineMonitor, true>>),
     row<pots::SenseLine>(ready<senseLine>),
     row<pots::WriteDaa>(ready<writeDaa>),
 };
