@@ -37,8 +37,8 @@
 #include <numbers>
 #include <vector>
 
-#include "Board.h"
 #include "BoardStream.h"
+#include "Families.h"
 #include "dsp/Spm.h"
 #include "RynHwDll.h"
 #include "RynUserDriver.h"
@@ -63,23 +63,29 @@ using Block = std::unique_ptr<uint8_t, HeapBlock>;
 Block allocate(uint32_t length) { return Block(static_cast<uint8_t *>(std::malloc(length))); }
 
 // The family whose table answers an object of `type` (the board's numbering).
-vb::Family familyOf(int32_t type) {
-    using vb::Family;
-    if (type >= RYN_VB_BLOCK_CONST_VALUE_GENERATOR && type <= RYN_VB_BLOCK_SINGLE_FREQUENCY_DETECTOR) return Family::Tone;
-    if (type >= RYN_VB_BLOCK_CST_DTMF_DIALLER && type <= RYN_VB_BLOCK_CST_CALLER_ID_DETECTOR) return Family::Telephony;
+const vb::Family &familyOf(int32_t type) {
+    if (const vb::Family *block = vb::blockFamily(type)) return *block;
     switch (type) {
-        case RYN_VB_DEVICE_BOARD: return Family::Board;
-        case RYN_VB_DEVICE_T1E1: return Family::T1E1;
-        case RYN_VB_DEVICE_DSP: return Family::Dsp;
-        case RYN_VB_DEVICE_HDLC: return Family::Hdlc;
-        case RYN_VB_DEVICE_RAW_DATA: return Family::RawData;
-        case RYN_VB_DEVICE_BURST: return Family::Burst;
-        case RYN_VB_DEVICE_POTS: return Family::Pots;
-        case RYN_VB_DEVICE_SLIC: return Family::Slic;
-        case RYN_VB_DEVICE_JTAG: return Family::Jtag;
-        case RYN_VB_BLOCK_DATA_CONVERTER: return Family::DataMixer;
-        case RYN_VB_BLOCK_DSP_POTS: return Family::DspPots;
-        default: return Family::EventQueue;  // queues and pipes: device-core requests only
+        case RYN_VB_DEVICE_BOARD:
+            return vb::kBoardFamily;
+        case RYN_VB_DEVICE_T1E1:
+            return vb::kT1E1Family;
+        case RYN_VB_DEVICE_DSP:
+            return vb::kDspFamily;
+        case RYN_VB_DEVICE_HDLC:
+            return vb::kHdlcFamily;
+        case RYN_VB_DEVICE_RAW_DATA:
+            return vb::kRawDataFamily;
+        case RYN_VB_DEVICE_BURST:
+            return vb::kBurstFamily;
+        case RYN_VB_DEVICE_POTS:
+            return vb::kPotsFamily;
+        case RYN_VB_DEVICE_SLIC:
+            return vb::kSlicFamily;
+        case RYN_VB_DEVICE_JTAG:
+            return vb::kJtagFamily;
+        default:
+            return vb::kEventQueueFamily;  // queues and pipes: device-core requests only
     }
 }
 
@@ -87,12 +93,11 @@ vb::Family familyOf(int32_t type) {
 const std::vector<vb::Row> &allRows() {
     static const std::vector<vb::Row> rows = [] {
         std::vector<vb::Row> all;
-        const vb::Table core = vb::coreTable();
-        all.assign(core.begin(), core.end());
-        for (int family = static_cast<int>(vb::Family::Board); family <= static_cast<int>(vb::Family::Pipe); ++family) {
-            const vb::Table table = vb::familyTable(static_cast<vb::Family>(family));
+        for (const vb::Table table : {vb::coreTable(), vb::coreEventTable()})
             all.insert(all.end(), table.begin(), table.end());
-        }
+#define VB_FAMILY_ROWS(name) all.insert(all.end(), vb::k##name##Family.rows.begin(), vb::k##name##Family.rows.end());
+        VB_FAMILIES(VB_FAMILY_ROWS)
+#undef VB_FAMILY_ROWS
         return all;
     }();
     return rows;
@@ -100,25 +105,47 @@ const std::vector<vb::Row> &allRows() {
 
 constexpr std::array<int32_t, 9> kDeviceCounts = {1, 2, 2, 2, 1, 1, 1, 1, 1};  // types 1 to 9
 constexpr int32_t kBlockTypes[] = {
-    RYN_VB_BLOCK_CONST_VALUE_GENERATOR, RYN_VB_BLOCK_VALUE_SAMPLER, RYN_VB_BLOCK_EFFECTS_GENERATOR,
-    RYN_VB_BLOCK_SINE_WAVE_GENERATOR, RYN_VB_BLOCK_DTMF_GENERATOR, RYN_VB_BLOCK_DTMF_DIALLER,
-    RYN_VB_BLOCK_MF_DIALLER, RYN_VB_BLOCK_SEQUENCE_GENERATOR, RYN_VB_BLOCK_SILENCE_DETECTOR,
-    RYN_VB_BLOCK_DTMF_DETECTOR, RYN_VB_BLOCK_FSK_DETECTOR, RYN_VB_BLOCK_DIAL_TONE_DETECTOR,
-    RYN_VB_BLOCK_MF_DETECTOR, RYN_VB_BLOCK_DUAL_FREQUENCY_DETECTOR, RYN_VB_BLOCK_SINGLE_FREQUENCY_DETECTOR,
-    RYN_VB_BLOCK_CST_DTMF_DIALLER, RYN_VB_BLOCK_CST_VOICE_ACTIVITY_DETECTOR, RYN_VB_BLOCK_CST_DTMF_DETECTOR,
-    RYN_VB_BLOCK_CST_COMFORT_NOISE_GENERATOR, RYN_VB_BLOCK_CST_VOICE_MIXER, RYN_VB_BLOCK_CST_ECHO_CANCELLER,
-    RYN_VB_BLOCK_CST_CPT_DETECTOR, RYN_VB_BLOCK_CST_CPT_GENERATOR, RYN_VB_BLOCK_CST_CALLER_ID_DETECTOR,
-    RYN_VB_BLOCK_DATA_CONVERTER, RYN_VB_BLOCK_DSP_POTS, 0, 109, 151,  // and types the board has not
+    RYN_VB_BLOCK_CONST_VALUE_GENERATOR,
+    RYN_VB_BLOCK_VALUE_SAMPLER,
+    RYN_VB_BLOCK_EFFECTS_GENERATOR,
+    RYN_VB_BLOCK_SINE_WAVE_GENERATOR,
+    RYN_VB_BLOCK_DTMF_GENERATOR,
+    RYN_VB_BLOCK_DTMF_DIALLER,
+    RYN_VB_BLOCK_MF_DIALLER,
+    RYN_VB_BLOCK_SEQUENCE_GENERATOR,
+    RYN_VB_BLOCK_SILENCE_DETECTOR,
+    RYN_VB_BLOCK_DTMF_DETECTOR,
+    RYN_VB_BLOCK_FSK_DETECTOR,
+    RYN_VB_BLOCK_DIAL_TONE_DETECTOR,
+    RYN_VB_BLOCK_MF_DETECTOR,
+    RYN_VB_BLOCK_DUAL_FREQUENCY_DETECTOR,
+    RYN_VB_BLOCK_SINGLE_FREQUENCY_DETECTOR,
+    RYN_VB_BLOCK_CST_DTMF_DIALLER,
+    RYN_VB_BLOCK_CST_VOICE_ACTIVITY_DETECTOR,
+    RYN_VB_BLOCK_CST_DTMF_DETECTOR,
+    RYN_VB_BLOCK_CST_COMFORT_NOISE_GENERATOR,
+    RYN_VB_BLOCK_CST_VOICE_MIXER,
+    RYN_VB_BLOCK_CST_ECHO_CANCELLER,
+    RYN_VB_BLOCK_CST_CPT_DETECTOR,
+    RYN_VB_BLOCK_CST_CPT_GENERATOR,
+    RYN_VB_BLOCK_CST_CALLER_ID_DETECTOR,
+    RYN_VB_BLOCK_DATA_CONVERTER,
+    RYN_VB_BLOCK_DSP_POTS,
+    0,
+    109,
+    151,  // and types the board has not
 };
 // Counts, lengths, limits and the board's attribute identifiers.
-constexpr uint32_t kValues[] = {0, 1, 2, 3, 4, 5, 8, 9, 10, 12, 13, 14, 15, 16, 24, 30, 31, 32, 33, 34, 35, 36, 37,
-                                40, 41, 42, 43, 44, 64, 100, 101, 102, 103, 104, 105, 106, 127, 128, 255, 256, 512,
-                                1000, 1024, 1984, 2000, 4096, 4097, 8191, 8192, 60000, 0x7FFF, 0x8000, 0xFFFF,
-                                0x7FFFFFFF, 0x80000000u, 0xFFFFFFF0u, 0xFFFFFFFFu};
+constexpr uint32_t kValues[] = {
+    0,    1,     2,      3,      4,      5,          8,           9,           10,         12,   13,   14,
+    15,   16,    24,     30,     31,     32,         33,          34,          35,         36,   37,   40,
+    41,   42,    43,     44,     64,     100,        101,         102,         103,        104,  105,  106,
+    127,  128,   255,    256,    512,    1000,       1024,        1984,        2000,       4096, 4097, 8191,
+    8192, 60000, 0x7FFF, 0x8000, 0xFFFF, 0x7FFFFFFF, 0x80000000u, 0xFFFFFFF0u, 0xFFFFFFFFu};
 
 // The attribute identifiers of RynVirtualBoard.h, and two it has not.
-constexpr uint32_t kAttributes[] = {1, 2, 3, 4, 5, 13, 14, 30, 31, 32, 33, 34, 35, 36, 37,
-                                    40, 41, 42, 43, 44, 100, 101, 102, 103, 104, 105, 106, 0, 45};
+constexpr uint32_t kAttributes[] = {1,  2,  3,  4,  5,  13,  14,  30,  31,  32,  33,  34,  35, 36, 37,
+                                    40, 41, 42, 43, 44, 100, 101, 102, 103, 104, 105, 106, 0,  45};
 
 void fail(const char *what, uint32_t function, uint32_t a, uint32_t b) {
     std::fprintf(stderr, "board_dispatch: %s (function 0x%X: %u, %u)\n", what, function, a, b);
@@ -241,8 +268,8 @@ private:
         static constexpr char kDigits[] = "0123456789*#ABCDKS";
         static constexpr int32_t kGenerators[] = {100, 102, 103, 104, 105, 106, 107, 120, 123, 127};
         static constexpr int32_t kReceivers[] = {101, 110, 111, 112, 113, 114, 115, 116, 121, 122, 124, 125, 126, 128};
-        static constexpr uint32_t kHertz[] = {350, 425, 440, 480, 620, 697, 700, 770, 852, 900, 941, 1100, 1209,
-                                              1300, 1336, 1477, 1500, 1633, 1700, 2100, 2600};
+        static constexpr uint32_t kHertz[] = {350,  425,  440,  480,  620,  697,  700,  770,  852,  900, 941,
+                                              1100, 1209, 1300, 1336, 1477, 1500, 1633, 1700, 2100, 2600};
         const uint8_t what = in_.u8() % 5;
         std::vector<uint8_t> body;
         uint32_t function = 0, replyLength = 12;
@@ -253,7 +280,8 @@ private:
             body.assign(160, 0);
             put32(body, 16, ofType(static_cast<int32_t>(dial[0])));
             const uint32_t count = in_.u8() % 24;
-            for (uint32_t i = 0; i < count; ++i) body[20 + i] = static_cast<uint8_t>(kDigits[in_.pick(sizeof kDigits - 1)]);
+            for (uint32_t i = 0; i < count; ++i)
+                body[20 + i] = static_cast<uint8_t>(kDigits[in_.pick(sizeof kDigits - 1)]);
             put32(body, 148, count);
         } else if (what == 2) {  // a sequence: value in the low half, hold in the high half
             function = 0x9A2;
@@ -278,9 +306,11 @@ private:
                 in_.copy(samples.data(), 2 * samples.size());
             } else {
                 const double low = kHertz[in_.pick(std::size(kHertz))], high = kHertz[in_.pick(std::size(kHertz))];
-                const double peak = 1000.0 + 56.0 * in_.u8(), step = 2 * std::numbers::pi / 8000;  // two tones fit 16 bits
+                const double peak = 1000.0 + 56.0 * in_.u8(),
+                             step = 2 * std::numbers::pi / 8000;  // two tones fit 16 bits
                 for (size_t i = 0; i < samples.size(); ++i)
-                    samples[i] = static_cast<int16_t>(peak * (std::sin(step * low * double(i)) + std::sin(step * high * double(i))));
+                    samples[i] = static_cast<int16_t>(
+                        peak * (std::sin(step * low * double(i)) + std::sin(step * high * double(i))));
             }
             const auto bytes = static_cast<uint32_t>(2 * samples.size());
             body.assign(29 + bytes, 0);
@@ -301,7 +331,8 @@ private:
         const bool stream = module.form == ryn::spm::Form::CommandStream;
         size_t at = stream ? 0 : 5;
         for (unsigned n = 0; n < count && at + (stream ? 14 : 4) <= image.size(); ++n) {
-            const uint32_t address = stream ? image[at + (image[at + 3] == 0 ? 5 : 9)] : uint32_t{image[at]} << 16 | image[at + 1];
+            const uint32_t address =
+                stream ? image[at + (image[at + 3] == 0 ? 5 : 9)] : uint32_t{image[at]} << 16 | image[at + 1];
             const uint32_t units = stream ? image[at + 7] + 1u : uint32_t{image[at + 2]} << 16 | image[at + 3];
             if (n == 0) first = address;
             at += stream ? 14 + 2 * size_t{units}
@@ -356,8 +387,8 @@ private:
         if (shape < 160) {  // a handle and a row of its family
             const Known &object = known();
             target = object.handle;
-            vb::Table table = vb::familyTable(familyOf(object.type));
-            if (table.empty() || in_.chance(4)) table = vb::coreTable();
+            vb::Table table = familyOf(object.type).rows;
+            if (table.empty() || in_.chance(4)) table = in_.chance(8) ? vb::coreTable() : vb::coreEventTable();
             row = table[in_.pick(table.size())];
         } else if (shape < 232) {  // a row of any table
             row = allRows()[in_.pick16(allRows().size())];
@@ -367,10 +398,10 @@ private:
             row.replyLength = in_.u16() % kMaxBlock;
         }
         uint32_t requestLength = row.requestLength, replyLength = row.replyLength;
-        if (row.minimumLength) requestLength += in_.u16() % 1100;                      // data after the fields
+        if (row.minimumLength) requestLength += in_.u16() % 1100;  // data after the fields
         if ((shape & 31) == 31) requestLength = std::max(0, int(requestLength) + int8_t(in_.u8()));
-        if ((shape & 7) == 7) replyLength += in_.u16() % 2100;                          // replies sized by a field
-        if ((shape & 15) == 6) replyLength = in_.u8() % 40;                             // too short for the row
+        if ((shape & 7) == 7) replyLength += in_.u16() % 2100;  // replies sized by a field
+        if ((shape & 15) == 6) replyLength = in_.u8() % 40;     // too short for the row
         requestLength = std::min(requestLength, kMaxBlock);
         replyLength = std::min(replyLength, kMaxBlock);
 
@@ -380,7 +411,8 @@ private:
         const uint32_t typed = std::min<uint32_t>(requestLength, 64);
         put32(body, 16, in_.chance(15) ? target : in_.u32());
         for (uint32_t at = 20; at + 4 <= typed; at += 4) put32(body, at, value());
-        if (requestLength > typed) in_.copy(body.data() + typed, std::min<size_t>(in_.u16() % 1200, requestLength - typed));
+        if (requestLength > typed)
+            in_.copy(body.data() + typed, std::min<size_t>(in_.u16() % 1200, requestLength - typed));
         // Lengths that must agree: the data length of a request whose data
         // follows its fields (attribute sets, burst blocks), at 24; the reply
         // of a request that names its capacity at 24 (attribute values, burst
@@ -391,7 +423,8 @@ private:
         if ((shape & 7) == 5 && requestLength >= 28) {
             uint32_t capacity = 0;
             std::memcpy(&capacity, body.data() + 24, 4);
-            replyLength = std::min(kMaxBlock, row.replyLength + (row.function == 0x818 ? 1 : 0) + std::min(capacity, kMaxBlock));
+            replyLength =
+                std::min(kMaxBlock, row.replyLength + (row.function == 0x818 ? 1 : 0) + std::min(capacity, kMaxBlock));
         }
         for (unsigned splices = in_.u8() % 4; splices != 0; --splices) {
             const uint32_t offset = requestLength < 4 ? 0 : in_.u16() % (requestLength - 3);
@@ -437,7 +470,8 @@ private:
         uint32_t returned = 0xFFFFFFFFu;
         const uint32_t function = (code >> 2) & 0x3FFFu;
         const int ok = driver_.control(device_, &request, &returned);
-        if (ok != 0 && returned > replyLength) fail("reply byte count beyond the reply block", function, returned, replyLength);
+        if (ok != 0 && returned > replyLength)
+            fail("reply byte count beyond the reply block", function, returned, replyLength);
         if (ok == 0) {
             for (uint32_t i = 0; i < replyLength; ++i)
                 if (output.get()[i] != 0) fail("a failed call wrote into the reply", function, i, replyLength);
