@@ -1,6 +1,7 @@
 // The telephony caller identification detector (type 128) and the messages
 // it reads.
 #include "Cst.h"
+#include "Fsk.h"
 
 namespace vb {
 namespace {

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "Families.h"
+#include "Fsk.h"
 #include "ToneWire.h"
 #include "Signal.h"
 
