@@ -1,6 +1,8 @@
 // The audio path: frames from a block to the blocks that take them, the
 // board clock following, and the two audio attributes of the block families.
 #include <algorithm>
+#include <bit>
+#include <cstring>
 #include <deque>
 
 #include "Families.h"
@@ -134,8 +136,11 @@ std::span<const Attribute> audioAttributes() { return kAudioAttributes; }
 
 std::vector<int16_t> fromLittleEndian(std::span<const uint8_t> bytes) {
     std::vector<int16_t> samples(bytes.size() / 2);
-    for (size_t i = 0; i < samples.size(); ++i)
-        samples[i] = static_cast<int16_t>(bytes[2 * i] | (bytes[2 * i + 1] << 8));
+    if constexpr (std::endian::native == std::endian::little) {
+        if (!samples.empty()) std::memcpy(samples.data(), bytes.data(), samples.size() * 2);
+    } else {
+        for (size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<int16_t>(wire::le::load16(&bytes[2 * i]));
+    }
     return samples;
 }
 

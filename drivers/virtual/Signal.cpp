@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <cstring>
 #include <numbers>
 
 namespace vb::signal {
@@ -208,30 +209,69 @@ std::vector<int16_t> sequence(std::span<const uint32_t> entries, uint32_t hold, 
 
 // ---- Receivers --------------------------------------------------------------
 
+// A window of samples, its power and, when a check asks for them, its
+// samples weighted for the Goertzel filters of the guards and the comb.
+namespace {
+
+using Float4 = float __attribute__((vector_size(16)));
+
+Float4 load4(const float *at) {
+    Float4 v;
+    std::memcpy(&v, at, sizeof v);
+    return v;
+}
+
+float sum4(Float4 v) { return v[0] + v[1] + v[2] + v[3]; }
+
+// The sum of the squared samples, four at a time.
+double sumOfSquares(const float *x, size_t count) {
+    Float4 a{}, b{};
+    size_t n = 0;
+    for (; n + 8 <= count; n += 8) {
+        const Float4 x0 = load4(x + n), x1 = load4(x + n + 4);
+        a += x0 * x0;
+        b += x1 * x1;
+    }
+    double sum = sum4(a + b);
+    for (; n < count; ++n) sum += double{x[n]} * x[n];
+    return sum;
+}
+
+}  // namespace
+
 class Window {
 public:
-    Window(std::span<const int16_t> samples, std::span<const double> weights) : weighted_(samples.size()) {
-        for (size_t n = 0; n < samples.size(); ++n) {
-            weighted_[n] = samples[n] * weights[n];
-            weightSum_ += weights[n];
-        }
-        const size_t half = (samples.size() + 1) / 2;
-        const double halves[2] = {energy(samples.first(half)), energy(samples.subspan(half))};
-        meanSquare_ = (halves[0] + halves[1]) / static_cast<double>(samples.size());
+    // `input`: the window's samples, readable up to the length padded to eights.
+    Window(const float *input, std::span<const double> weights, std::vector<double> &weighted)
+        : input_(input), weights_(weights), weighted_(weighted) {
+        const size_t length = weights.size(), half = (length + 1) / 2;
+        const double halves[2] = {sumOfSquares(input, half), sumOfSquares(input + half, length - half)};
+        meanSquare_ = (halves[0] + halves[1]) / static_cast<double>(length);
         const double larger = std::max(halves[0], halves[1]);
         steadiness_ = larger == 0 ? 1.0 : std::min(halves[0], halves[1]) / larger;
     }
+    const float *input() const { return input_; }
     double meanSquare() const { return meanSquare_; }
     bool steady() const { return steadiness_ >= kSteadiness; }
 
     // The peak amplitude of the window's component at a cosine (Goertzel).
     double amplitude(double cosine) const {
+        if (weightSum_ == 0) {
+            weighted_.resize(weights_.size());
+            for (size_t n = 0; n < weights_.size(); ++n) {
+                weighted_[n] = input_[n] * weights_[n];
+                weightSum_ += weights_[n];
+            }
+        }
         return 2.0 * std::sqrt(std::max(goertzel(weighted_, cosine), 0.0)) / weightSum_;
     }
 
 private:
-    std::vector<double> weighted_;
-    double weightSum_ = 0, meanSquare_ = 0, steadiness_ = 1;
+    const float *input_;
+    std::span<const double> weights_;
+    std::vector<double> &weighted_;  // the receiver's, made when first asked for
+    mutable double weightSum_ = 0;
+    double meanSquare_ = 0, steadiness_ = 1;
 };
 
 Filter Filter::of(uint16_t coefficient) {
@@ -260,7 +300,170 @@ std::vector<double> hamming(uint32_t length) {
     return weights;
 }
 
-double decibels(double ratio) { return 20.0 * std::log10(ratio); }
+// A window's length padded to eights, for the filter bank's loads; the
+// receiver keeps that many zeros after its samples.
+size_t paddedLength(size_t length) { return (length + 7) / 8 * 8; }
+constexpr size_t kPadding = 8;
+constexpr size_t kCompactAfter = 4096;
+
+void toFloats(std::span<const int16_t> samples, float *out) {
+    using Short4 = int16_t __attribute__((vector_size(8)));
+    size_t n = 0;
+    for (; n + 4 <= samples.size(); n += 4) {
+        Short4 four;
+        std::memcpy(&four, &samples[n], sizeof four);
+        const Float4 converted = __builtin_convertvector(four, Float4);
+        std::memcpy(out + n, &converted, sizeof converted);
+    }
+    for (; n < samples.size(); ++n) out[n] = samples[n];
+}
+
+}  // namespace
+
+// ---- The centre filters --------------------------------------------------------
+
+namespace {
+
+// Correlates `x` with up to kGroup filters' tables at once (each a cosine
+// table, then its sine table `padded` floats on), eight samples at a time:
+// the filters' sums are independent, so the processor overlaps them.
+constexpr size_t kGroup = 4;
+
+// Inlined into each caller, so that they take the caller's instruction set.
+#define VB_INLINE inline __attribute__((always_inline))
+
+template <typename Vector>
+VB_INLINE double sumOf(const Vector &v) {
+    double sum = 0;
+    for (size_t i = 0; i < sizeof(Vector) / sizeof(float); ++i) sum += v[i];
+    return sum;
+}
+
+// Four filters at once, their sums in registers; fewer filters repeat the
+// last table.
+// Adds the products of the samples with a table's floats at `table`.
+template <typename Vector>
+VB_INLINE void multiplyAdd(Vector &sum, const Vector &samples, const float *table) {
+    Vector v;
+    std::memcpy(&v, table, sizeof v);
+    sum += samples * v;
+}
+
+template <typename Vector>
+VB_INLINE void correlateWith(const float *x, const float *const *tables, size_t count, size_t padded, double *re,
+                             double *im) {
+    constexpr size_t kWidth = sizeof(Vector) / sizeof(float);
+    const float *t0 = tables[0], *t1 = tables[std::min<size_t>(1, count - 1)];
+    const float *t2 = tables[std::min<size_t>(2, count - 1)], *t3 = tables[std::min<size_t>(3, count - 1)];
+    Vector c0{}, c1{}, c2{}, c3{}, s0{}, s1{}, s2{}, s3{};
+    for (size_t n = 0; n < padded; n += kWidth) {
+        Vector v;
+        std::memcpy(&v, x + n, sizeof v);
+        multiplyAdd(c0, v, t0 + n);
+        multiplyAdd(s0, v, t0 + padded + n);
+        multiplyAdd(c1, v, t1 + n);
+        multiplyAdd(s1, v, t1 + padded + n);
+        multiplyAdd(c2, v, t2 + n);
+        multiplyAdd(s2, v, t2 + padded + n);
+        multiplyAdd(c3, v, t3 + n);
+        multiplyAdd(s3, v, t3 + padded + n);
+    }
+    const double sums[2][4] = {{sumOf(c0), sumOf(c1), sumOf(c2), sumOf(c3)},
+                               {sumOf(s0), sumOf(s1), sumOf(s2), sumOf(s3)}};
+    for (size_t f = 0; f < count; ++f) {
+        re[f] = sums[0][f];
+        im[f] = sums[1][f];
+    }
+}
+
+void correlate(const float *x, const float *const *tables, size_t count, size_t padded, double *re, double *im) {
+    correlateWith<Float4>(x, tables, count, padded, re, im);
+}
+
+#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
+// The same with AVX2 and FMA, for the processors that have them.
+__attribute__((target("avx2,fma"))) void correlateAvx2(const float *x, const float *const *tables, size_t count,
+                                                       size_t padded, double *re, double *im) {
+    using Float8 = float __attribute__((vector_size(32)));
+    correlateWith<Float8>(x, tables, count, padded, re, im);
+}
+#endif
+
+}  // namespace
+
+FilterBank::FilterBank(std::span<const Filter> filters, std::span<const double> weights)
+    : padded_(paddedLength(weights.size())), correlate_(correlate) {
+#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
+    if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) correlate_ = correlateAvx2;
+#endif
+    tables_.assign(filters.size() * 6 * padded_, 0.0f);
+    double weightSum = 0;
+    for (double w : weights) weightSum += w;
+    scale_ = 2.0 / weightSum;
+    for (size_t f = 0; f < filters.size(); ++f) {
+        const double cosines[3] = {filters[f].cosine, filters[f].below, filters[f].above};
+        for (size_t k = 0; k < 3; ++k) {
+            const double omega = std::acos(cosines[k]);
+            float *cosine = table(k == 0 ? f : filters.size() + 2 * f + k - 1), *sine = cosine + padded_;
+            for (size_t n = 0; n < weights.size(); ++n) {
+                cosine[n] = static_cast<float>(weights[n] * std::cos(omega * static_cast<double>(n)));
+                sine[n] = static_cast<float>(weights[n] * std::sin(omega * static_cast<double>(n)));
+            }
+        }
+    }
+}
+
+void FilterBank::amplitudes(const float *x, size_t first, size_t count, double *out) const {
+    for (size_t done = 0; done < count; done += kGroup) {
+        const size_t group = std::min(kGroup, count - done);
+        const float *tables[kGroup];
+        for (size_t f = 0; f < group; ++f) tables[f] = table(first + done + f);
+        double re[kGroup], im[kGroup];
+        correlate_(x, tables, group, padded_, re, im);
+        for (size_t f = 0; f < group; ++f) out[done + f] = scale_ * std::sqrt(re[f] * re[f] + im[f] * im[f]);
+    }
+}
+
+void FilterBank::run(const float *x, std::span<double> centres) const {
+    amplitudes(x, 0, centres.size(), centres.data());
+}
+
+void FilterBank::guards(const float *x, const size_t (&filters)[2], double (&guards)[2][2]) const {
+    const size_t guardTables = tables_.size() / (6 * padded_);  // after the centre filters' tables
+    const float *tables[4];
+    for (size_t k = 0; k < 4; ++k) tables[k] = table(guardTables + 2 * filters[k / 2] + k % 2);
+    double re[4], im[4];
+    correlate_(x, tables, 4, padded_, re, im);
+    for (size_t k = 0; k < 4; ++k) guards[k / 2][k % 2] = scale_ * std::sqrt(re[k] * re[k] + im[k] * im[k]);
+}
+
+// ---- Receivers, continued -------------------------------------------------------
+
+namespace {
+
+// The most the comb can raise a centred tone's amplitude over what the centre
+// filter sees: the inverse of the window's response to a tone as far off as
+// a centred tone can be (half the guards' offset, and a comb step), with 1 dB
+// to spare. A long window's narrow response makes it large, and the checks
+// then always refine.
+double refineGain(std::span<const Filter> filters, std::span<const double> weights) {
+    double weightSum = 0;
+    for (double w : weights) weightSum += w;
+    double gain = 1;
+    for (const Filter &f : filters) {
+        const double hertz = std::acos(f.cosine) * kSampleRate / kTwoPi;
+        for (double share = 0; share <= kGuardOffset / 2 + kCombSpacing; share += kCombSpacing / 4) {
+            const double shift = angleOf(hertz * share);
+            double re = 0, im = 0;
+            for (size_t n = 0; n < weights.size(); ++n) {
+                re += weights[n] * std::cos(shift * static_cast<double>(n));
+                im += weights[n] * std::sin(shift * static_cast<double>(n));
+            }
+            gain = std::max(gain, weightSum / std::max(std::hypot(re, im), 1e-9));
+        }
+    }
+    return gain * std::pow(10.0, 1.0 / 20);
+}
 
 }  // namespace
 
@@ -270,19 +473,42 @@ Receiver::Receiver(uint32_t windowLength, const Limits &limits)
       limits_(limits),
       toneWindows_(windowsFilled(limits.toneMs, length_, hop_)),
       pauseWindows_(windowsFilled(limits.pauseMs, length_, hop_)),
-      weights_(hamming(length_)) {}
+      weights_(hamming(length_)),
+      floorPeak_(peakOf(limits.minimumDb)),
+      normalTwist_(std::pow(10.0, limits.normalTwistDb / 20)),
+      reverseTwist_(std::pow(10.0, limits.reverseTwistDb / 20)),
+      pending_(kPadding) {}
+
+void Receiver::setFilters(std::vector<Filter> filters) {
+    filters_ = std::move(filters);
+    bank_ = std::make_unique<FilterBank>(filters_, weights_);
+    refineGain_ = refineGain(filters_, weights_);
+    amplitudes_.assign(filters_.size(), 0);
+    centred_.assign(filters_.size(), false);
+    checked_.assign(filters_.size(), false);
+    refined_.assign(filters_.size(), false);
+}
 
 void Receiver::run(std::span<const int16_t> samples, std::vector<Report> &reports) {
-    pending_.insert(pending_.end(), samples.begin(), samples.end());
-    size_t used = 0;
-    for (; pending_.size() - used >= length_; used += hop_) {
-        const Window window(std::span<const int16_t>(pending_).subspan(used, length_), weights_);
+    // The samples not used up yet, as floats, and kPadding zeros after them.
+    // Samples used up are dropped once they are many, not at every call.
+    if (start_ >= kCompactAfter) {
+        pending_.erase(pending_.begin(), pending_.begin() + static_cast<std::ptrdiff_t>(start_));
+        start_ = 0;
+    }
+    const size_t held = pending_.size() - kPadding;
+    pending_.resize(held + samples.size() + kPadding);
+    toFloats(samples, &pending_[held]);
+    std::fill(pending_.end() - kPadding, pending_.end(), 0.0f);
+    size_t used = start_;
+    for (; pending_.size() - kPadding - used >= length_; used += hop_) {
+        const Window window(&pending_[used], weights_, weighted_);
         bool pause = false;
         const int symbol = classify(window, pause);
         debounce(symbol, pause, consumed_, reports);
         consumed_ += hop_;
     }
-    pending_.erase(pending_.begin(), pending_.begin() + static_cast<std::ptrdiff_t>(used));
+    start_ = used;
 }
 
 // A symbol is reported once it has filled the tone time's windows, and
@@ -313,47 +539,87 @@ void Receiver::debounce(int symbol, bool pause, uint64_t first, std::vector<Repo
 }
 
 void Receiver::measure(const Window &window) {
-    amplitudes_.resize(filters_.size());
-    centred_.resize(filters_.size());
-    for (size_t i = 0; i < filters_.size(); ++i) {
-        const Filter &f = filters_[i];
-        const double centre = window.amplitude(f.cosine);
-        centred_[i] = centre >= window.amplitude(f.below) && centre >= window.amplitude(f.above);
-        amplitudes_[i] = centre;
-        if (!centred_[i]) continue;
-        for (double cosine : f.comb) amplitudes_[i] = std::max(amplitudes_[i], window.amplitude(cosine));
-    }
+    bank_->run(window.input(), amplitudes_);
+    std::fill(checked_.begin(), checked_.end(), false);
+    std::fill(refined_.begin(), refined_.end(), false);
 }
 
-bool Receiver::present(int filter) const {
-    return centred_[filter] && amplitudes_[filter] >= peakOf(limits_.minimumDb);
+bool Receiver::centred(const Window &window, int filter, int other) {
+    if (!checked_[filter]) {
+        // Both filters' guards in one run of the bank.
+        const size_t filters[2] = {static_cast<size_t>(filter), static_cast<size_t>(other < 0 ? filter : other)};
+        double guards[2][2];
+        bank_->guards(window.input(), filters, guards);
+        for (size_t k = 0; k < 2; ++k) {
+            checked_[filters[k]] = true;
+            centred_[filters[k]] = amplitudes_[filters[k]] >= guards[k][0] && amplitudes_[filters[k]] >= guards[k][1];
+        }
+    }
+    return centred_[filter];
 }
+
+void Receiver::refine(const Window &window, int filter) {
+    if (refined_[filter]) return;
+    refined_[filter] = true;
+    for (double cosine : filters_[filter].comb)
+        amplitudes_[filter] = std::max(amplitudes_[filter], window.amplitude(cosine));
+}
+
+bool Receiver::possible(const Window &window, double a, double b) const {
+    const double floor = floorPeak_;
+    if (a * refineGain_ < floor || (b >= 0 && b * refineGain_ < floor)) return false;
+    const double tonePower = (a * a + std::max(b, 0.0) * std::max(b, 0.0)) / 2 * refineGain_ * refineGain_;
+    return pure(window, tonePower);
+}
+
+bool Receiver::present(int filter) const { return amplitudes_[filter] >= floorPeak_; }
 
 bool Receiver::pure(const Window &window, double tonePower) const {
     return window.steady() && tonePower >= kPurity * window.meanSquare();
 }
 
-bool Receiver::validSingle(const Window &window, int filter) const {
-    const double a = amplitudes_[filter];
-    return present(filter) && pure(window, a * a / 2);
+// The comb only raises amplitudes: a tone that passes on the centre filter
+// passes.
+bool Receiver::validSingle(const Window &window, int filter) {
+    if (!possible(window, amplitudes_[filter], -1) || !centred(window, filter)) return false;
+    const auto passes = [&] {
+        const double a = amplitudes_[filter];
+        return present(filter) && pure(window, a * a / 2);
+    };
+    if (passes()) return true;
+    refine(window, filter);
+    return passes();
 }
 
-bool Receiver::validPair(const Window &window, int low, int high) const {
-    const double a = amplitudes_[low], b = amplitudes_[high];
-    if (!present(low) || !present(high) || !pure(window, (a * a + b * b) / 2)) return false;
-    const double twist = decibels(b / a);  // the higher tone's excess
-    return twist <= limits_.normalTwistDb && -twist <= limits_.reverseTwistDb;
+// Twist is the lower-frequency tone's excess over the higher one: normal
+// when it is louder (as lines attenuate high frequencies more), reverse when
+// the higher one is. The comb moves it by less than refineGain_ either way,
+// so only a twist that close to a limit waits for the comb.
+bool Receiver::validPair(const Window &window, int low, int high) {
+    if (!possible(window, amplitudes_[low], amplitudes_[high]) || !centred(window, low, high) || !centred(window, high))
+        return false;
+    // As amplitude ratios: the lower tone's over the higher, and the limits.
+    const auto twist = [&] { return amplitudes_[low] / amplitudes_[high]; };
+    const auto passes = [&](double margin) {
+        const double a = amplitudes_[low], b = amplitudes_[high];
+        return present(low) && present(high) && pure(window, (a * a + b * b) / 2) && twist() <= normalTwist_ / margin &&
+               1 / twist() <= reverseTwist_ / margin;
+    };
+    if (passes(refineGain_)) return true;
+    if (twist() > normalTwist_ * refineGain_ || 1 / twist() > reverseTwist_ * refineGain_) return false;
+    refine(window, low);
+    refine(window, high);
+    return passes(1);
 }
 
-bool Receiver::quiet(const Window &window) const {
-    const double peak = peakOf(limits_.minimumDb);
-    return window.meanSquare() < peak * peak / 2;
-}
+bool Receiver::quiet(const Window &window) const { return window.meanSquare() < floorPeak_ * floorPeak_ / 2; }
 
 // ---- DTMF -------------------------------------------------------------------
 
 DtmfReceiver::DtmfReceiver(const Limits &limits) : Receiver(kDigitWindow, limits) {
-    for (double hertz : kDtmfFrequencies) filters_.push_back(Filter::of(coefficientOf(hertz)));
+    std::vector<Filter> filters;
+    for (double hertz : kDtmfFrequencies) filters.push_back(Filter::of(coefficientOf(hertz)));
+    setFilters(std::move(filters));
 }
 
 uint8_t DtmfReceiver::character(int symbol) {
@@ -375,7 +641,9 @@ int DtmfReceiver::classify(const Window &window, bool &pause) {
 // ---- MF ---------------------------------------------------------------------
 
 MfReceiver::MfReceiver(const Limits &limits) : Receiver(kMfWindow, limits) {
-    for (double hertz : kMfFrequencies) filters_.push_back(Filter::of(coefficientOf(hertz)));
+    std::vector<Filter> filters;
+    for (double hertz : kMfFrequencies) filters.push_back(Filter::of(coefficientOf(hertz)));
+    setFilters(std::move(filters));
 }
 
 uint8_t MfReceiver::character(int symbol) {
@@ -402,7 +670,9 @@ int MfReceiver::classify(const Window &window, bool &pause) {
 ToneReceiver::ToneReceiver(std::span<const uint16_t> coefficients, std::span<const uint8_t> sizes,
                            uint32_t windowLength, const Limits &limits)
     : Receiver(windowLength, limits), sizes_(sizes.begin(), sizes.end()) {
-    for (uint16_t coefficient : coefficients) filters_.push_back(Filter::of(coefficient));
+    std::vector<Filter> filters;
+    for (uint16_t coefficient : coefficients) filters.push_back(Filter::of(coefficient));
+    setFilters(std::move(filters));
 }
 
 uint32_t ToneReceiver::windowFor(std::span<const uint16_t> coefficients) {
@@ -426,7 +696,7 @@ int ToneReceiver::classify(const Window &window, bool &pause) {
     double bestPower = 0;
     size_t first = 0;
     for (size_t tone = 0; tone < sizes_.size(); first += sizes_[tone], ++tone) {
-        if (first + sizes_[tone] > filters_.size()) break;
+        if (first + sizes_[tone] > amplitudes_.size()) break;
         const int a = static_cast<int>(first), b = static_cast<int>(first + 1);
         const bool valid = sizes_[tone] == 2 ? validPair(window, a, b) : validSingle(window, a);
         const double power =

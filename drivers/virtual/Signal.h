@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <utility>
@@ -169,12 +170,13 @@ struct Limits {
     uint32_t toneMs = 40;       // shortest symbol reported
     uint32_t pauseMs = 40;      // shortest gap that ends a symbol
     double minimumDb = 30;      // each tone at least this far below the reference
-    double normalTwistDb = 8;   // the higher tone at most this much louder
-    double reverseTwistDb = 4;  // the lower tone at most this much louder
+    double normalTwistDb = 8;   // the lower-frequency tone at most this much louder
+    double reverseTwistDb = 4;  // the higher-frequency tone at most this much louder
 };
 
 // One analysis window of samples (defined with the receivers).
 class Window;
+struct Filter;
 
 // A Goertzel filter at a coefficient, with two guard filters 5% below and
 // above its frequency: a tone counts as on the filter's frequency when the
@@ -189,6 +191,34 @@ struct Filter {
     static Filter of(uint16_t coefficient);
 };
 
+// The centre and guard filters of a receiver over a window: the window's
+// samples correlated with the Hamming-weighted cosine and sine of each
+// frequency, in single precision, four samples at a time. The result is the
+// Goertzel filter's: the peak amplitude of the window's component at that
+// frequency.
+class FilterBank {
+public:
+    FilterBank(std::span<const Filter> filters, std::span<const double> weights);
+    // Amplitudes of the centre filters over a window's samples `x` (as
+    // floats, readable up to the window's length padded to eights).
+    void run(const float *x, std::span<double> centres) const;
+    // The amplitudes two filters' guards see in the window: below, above.
+    void guards(const float *x, const size_t (&filters)[2], double (&guards)[2][2]) const;
+
+private:
+    // Table i: the centre filters' first, then each filter's guards, below
+    // and above; a table is a cosine then a sine, each padded_ floats.
+    float *table(size_t i) { return &tables_[i * 2 * padded_]; }
+    const float *table(size_t i) const { return &tables_[i * 2 * padded_]; }
+    void amplitudes(const float *x, size_t first, size_t count, double *out) const;
+
+    size_t padded_;  // the window's length, padded to eights
+    std::vector<float> tables_;
+    double scale_;  // 2 / the sum of the weights
+    // The correlation, with the widest vectors the processor has.
+    void (*correlate_)(const float *x, const float *const *tables, size_t count, size_t padded, double *re, double *im);
+};
+
 // A receiver looks at windows of `windowLength` samples (102..1024), one
 // every half window, each weighted with a Hamming window. A window holds a
 // tone (or pair) when each tone is on its filter's frequency, at or above
@@ -197,6 +227,10 @@ struct Filter {
 // a ratio of 0.6). A symbol is reported once it has held every window that
 // a signal of the tone time always fills, and it ends once as many windows
 // of a pause time are quiet or hold another symbol.
+//
+// The centre filters run on every window that is not quiet; the guards and
+// the comb only for the tones a symbol could be made of, and only when the
+// centre filters leave the checks open.
 class Receiver {
 public:
     Receiver(uint32_t windowLength, const Limits &limits);
@@ -210,26 +244,44 @@ protected:
     // end the current symbol.
     virtual int classify(const Window &window, bool &pause) = 0;
 
-    // Runs the filters over a window, then the checks on their results.
+    // Sets the filters (once, in the constructor of the receiver).
+    void setFilters(std::vector<Filter> filters);
+    // Runs the centre filters over a window; the checks refine the filters
+    // they look at.
     void measure(const Window &window);
-    bool validSingle(const Window &window, int filter) const;
-    bool validPair(const Window &window, int lowFilter, int highFilter) const;  // by frequency
+    bool validSingle(const Window &window, int filter);
+    bool validPair(const Window &window, int lowFilter, int highFilter);  // by frequency
     bool quiet(const Window &window) const;  // below the power of one tone at the minimum level
 
-    std::vector<Filter> filters_;
     std::vector<double> amplitudes_;  // of the filters, in the window measured last
-    std::vector<bool> centred_;
 
 private:
+    // Whether a tone of these centre amplitudes could still pass the level
+    // and purity checks once refined (b < 0: a single tone).
+    bool possible(const Window &window, double a, double b) const;
+    // Whether a filter's frequency is the tone's (its guards see less);
+    // `other`'s guards are run with it.
+    bool centred(const Window &window, int filter, int other = -1);
+    // The comb's amplitude of a filter over the window measured last.
+    void refine(const Window &window, int filter);
     bool present(int filter) const;
     bool pure(const Window &window, double tonePower) const;
+
+    std::vector<Filter> filters_;
+    std::unique_ptr<FilterBank> bank_;
+    double refineGain_ = 1;                          // the most the comb raises an amplitude
+    std::vector<bool> centred_, checked_, refined_;  // of the window measured last
     void debounce(int symbol, bool pause, uint64_t first, std::vector<Report> &reports);
 
     uint32_t length_, hop_;  // windows overlap by half
     Limits limits_;
     uint32_t toneWindows_, pauseWindows_;
     std::vector<double> weights_;
-    std::vector<int16_t> pending_;
+    std::vector<double> weighted_;       // and weighted, for the comb
+    double floorPeak_;                   // the minimum level's peak
+    double normalTwist_, reverseTwist_;  // the limits as amplitude ratios
+    std::vector<float> pending_;         // samples, then zeros; those before start_ are used up
+    size_t start_ = 0;
     uint64_t consumed_ = 0;
     int candidate_ = kNone, active_ = kNone;
     uint32_t run_ = 0, gap_ = 0;
