@@ -3,6 +3,7 @@
 // through the audio attributes, and detectors tuned by the library's
 // coefficients.
 #include <cmath>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,6 +18,7 @@ constexpr double kRows[] = {697, 770, 852, 941}, kColumns[] = {1209, 1336, 1477,
 
 struct Tone {
     double hertz, db;  // level below a 4096-peak sine
+    double phase = 0;
 };
 using Samples = std::vector<int16_t>;
 
@@ -25,20 +27,23 @@ Samples play(std::initializer_list<Tone> tones, int ms, int gapMs = 60) {
     Samples samples(static_cast<size_t>(8 * (ms + gapMs)), 0);
     for (size_t n = 0; n < static_cast<size_t>(8 * ms); ++n) {
         double sum = 0;
-        for (const Tone &t : tones) sum += 4096 * std::pow(10, t.db / 20) * std::sin(2 * M_PI * t.hertz * n / 8000.0);
+        for (const Tone &t : tones)
+            sum += 4096 * std::pow(10, t.db / 20) * std::sin(2 * M_PI * t.hertz * n / 8000.0 + t.phase);
         samples[n] = static_cast<int16_t>(std::lround(sum));
     }
     return samples;
 }
 
 ResultCode send(DeviceHandle block, const Samples &samples) {
-    return RynDrvSetAttributeValue(block, RYN_VB_ATTR_AUDIO_IN, samples.data(), static_cast<uint32_t>(samples.size() * 2));
+    return RynDrvSetAttributeValue(block, RYN_VB_ATTR_AUDIO_IN, samples.data(),
+                                   static_cast<uint32_t>(samples.size() * 2));
 }
 
 Samples render(DeviceHandle block, size_t count) {
     Samples samples(count);
     uint32_t returned = 0;
-    EXPECT_EQ(RynDrvGetAttributeValue(block, RYN_VB_ATTR_AUDIO_OUT, samples.data(), uint32_t(count * 2), &returned), 0u);
+    EXPECT_EQ(RynDrvGetAttributeValue(block, RYN_VB_ATTR_AUDIO_OUT, samples.data(), uint32_t(count * 2), &returned),
+              0u);
     EXPECT_EQ(returned, count * 2);
     return samples;
 }
@@ -52,7 +57,8 @@ TEST_F(ToneTest, DiallersReachTheirDetectorsDigitByDigit) {
         std::string digits;
     };
     for (const Case &c :
-         {Case{RYN_VB_BLOCK_DTMF_DIALLER, RYN_VB_BLOCK_DTMF_DETECTOR, RYN_VB_EVENT_DTMF_DIGIT, "1234#"}, Case{RYN_VB_BLOCK_MF_DIALLER, RYN_VB_BLOCK_MF_DETECTOR, RYN_VB_EVENT_MF_DIGIT, "*1234567890#"}}) {
+         {Case{RYN_VB_BLOCK_DTMF_DIALLER, RYN_VB_BLOCK_DTMF_DETECTOR, RYN_VB_EVENT_DTMF_DIGIT, "1234#"},
+          Case{RYN_VB_BLOCK_MF_DIALLER, RYN_VB_BLOCK_MF_DETECTOR, RYN_VB_EVENT_MF_DIGIT, "*1234567890#"}}) {
         const DeviceHandle dialler = block(c.dialler), detector = block(c.detector);
         // The MF dialler reaches its detector through a pipe.
         const DeviceHandle pipe = c.dialler == RYN_VB_BLOCK_MF_DIALLER ? got(RynDrvCreatePipe, 0) : detector;
@@ -63,8 +69,10 @@ TEST_F(ToneTest, DiallersReachTheirDetectorsDigitByDigit) {
         ASSERT_EQ(dial(dialler, c.digits.data(), int32_t(c.digits.size()), 0, 0), 0u);
         EXPECT_EQ(heard.reported(c.event), c.digits);
         EXPECT_EQ(done.reported(RYN_VB_EVENT_DIALLING_FINISHED).size(), 1u);
-        EXPECT_EQ(got<uint8_t>(c.detector == RYN_VB_BLOCK_DTMF_DETECTOR ? RynToneDtmfDetectorStatus : RynToneMfDetectorStatus, detector),
-                  '#');
+        EXPECT_EQ(
+            got<uint8_t>(c.detector == RYN_VB_BLOCK_DTMF_DETECTOR ? RynToneDtmfDetectorStatus : RynToneMfDetectorStatus,
+                         detector),
+            '#');
         EXPECT_EQ(errorOf(dial(dialler, "12x", 3, 0, 0)), 9u);  // refused whole
         EXPECT_EQ(heard.reported(c.event), "");
     }
@@ -81,6 +89,8 @@ TEST_F(ToneTest, EveryKeyIsHeardFromTheApplicationsSamples) {
     EXPECT_EQ(heardMf.reported(RYN_VB_EVENT_MF_DIGIT), "*57#");  // KP 5 7 ST
 }
 
+// Every case for each of the 16 keys, at random phases, after a random
+// stretch of silence (so at every alignment to the receiver's windows).
 TEST_F(ToneTest, DtmfReceiverHoldsItsLimits) {
     struct Case {
         const char *what;
@@ -88,6 +98,7 @@ TEST_F(ToneTest, DtmfReceiverHoldsItsLimits) {
         int ms, gapMs;
         size_t digits;
         double voiceDb = -99;  // a third tone, as speech would bring
+        double noiseDb = -99;  // white noise, its power against a sine's
     };
     const Case cases[] = {
         {"1.5% apart", 1.015, 0.985, -6, -6, 50, 60, 1},
@@ -108,16 +119,27 @@ TEST_F(ToneTest, DtmfReceiverHoldsItsLimits) {
         {"45 ms pause", 1, 1, -6, -6, 60, 45, 2},
         {"with voice", 1, 1, -6, -6, 50, 60, 1, -14},
         {"in voice", 1, 1, -6, -6, 50, 60, 0, -4},
+        {"in noise", 1, 1, -10, -10, 50, 60, 1, -99, -25},
     };
+    std::mt19937 random(2024);
+    std::uniform_real_distribution<double> phase(0, 2 * M_PI);
+    std::uniform_int_distribution<size_t> offset(0, 101);
     for (const Case &c : cases) {
-        const DeviceHandle detector = block(RYN_VB_BLOCK_DTMF_DETECTOR);
-        EventListener heard(detector);
-        const Samples digit =
-            play({{852 * c.lowShift, c.lowDb}, {1477 * c.highShift, c.highDb}, {500, c.voiceDb}}, c.ms, c.gapMs);
-        ASSERT_EQ(send(detector, Samples(20)), 0u);  // off the detector's window edges
-        for (int times = c.gapMs < 60 ? 2 : 1; times > 0; --times) ASSERT_EQ(send(detector, digit), 0u);
-        EXPECT_EQ(heard.reported(RYN_VB_EVENT_DTMF_DIGIT), std::string(c.digits, '9')) << c.what;
-        RynDrvClose(detector);
+        for (int key = 0; key < 16; ++key) {
+            const DeviceHandle detector = block(RYN_VB_BLOCK_DTMF_DETECTOR);
+            EventListener heard(detector);
+            Samples digit = play({{kRows[key / 4] * c.lowShift, c.lowDb, phase(random)},
+                                  {kColumns[key % 4] * c.highShift, c.highDb, phase(random)},
+                                  {500, c.voiceDb}},
+                                 c.ms, c.gapMs);
+            std::normal_distribution<double> noise(0, 4096 * std::pow(10, c.noiseDb / 20) / std::sqrt(2));
+            for (int16_t &sample : digit) sample = static_cast<int16_t>(std::lround(sample + noise(random)));
+            ASSERT_EQ(send(detector, Samples(offset(random))), 0u);
+            for (int times = c.gapMs < 60 ? 2 : 1; times > 0; --times) ASSERT_EQ(send(detector, digit), 0u);
+            EXPECT_EQ(heard.reported(RYN_VB_EVENT_DTMF_DIGIT, 1), std::string(c.digits, kDtmfKeys[key]))
+                << c.what << ", key " << kDtmfKeys[key];
+            RynDrvClose(detector);
+        }
     }
 }
 
@@ -136,7 +158,9 @@ TEST_F(ToneTest, SineGeneratorPlaysTheLibrarysOscillator) {
 }
 
 TEST_F(ToneTest, FrequencyDetectorsListenWithTheLibrarysCoefficients) {
-    const DeviceHandle generator = block(RYN_VB_BLOCK_SINE_WAVE_GENERATOR), right = block(RYN_VB_BLOCK_DUAL_FREQUENCY_DETECTOR), wrong = block(RYN_VB_BLOCK_DUAL_FREQUENCY_DETECTOR);
+    const DeviceHandle generator = block(RYN_VB_BLOCK_SINE_WAVE_GENERATOR),
+                       right = block(RYN_VB_BLOCK_DUAL_FREQUENCY_DETECTOR),
+                       wrong = block(RYN_VB_BLOCK_DUAL_FREQUENCY_DETECTOR);
     const SineToneParams tones[] = {{1000, -6, 0}, {1500, -6, 0}};
     const uint32_t rightHz[] = {1000, 1500}, wrongHz[] = {1000, 1560};
     ASSERT_EQ(RynToneSineWaveGeneratorInit(generator, 0, tones, 2, 0), 0u);
@@ -152,7 +176,8 @@ TEST_F(ToneTest, FrequencyDetectorsListenWithTheLibrarysCoefficients) {
 }
 
 TEST_F(ToneTest, DialToneAndSilenceAreReportedWhileTheyLast) {
-    const DeviceHandle dialTone = block(RYN_VB_BLOCK_DIAL_TONE_DETECTOR), silence = block(RYN_VB_BLOCK_SILENCE_DETECTOR);
+    const DeviceHandle dialTone = block(RYN_VB_BLOCK_DIAL_TONE_DETECTOR),
+                       silence = block(RYN_VB_BLOCK_SILENCE_DETECTOR);
     EventListener heardTone(dialTone), heardSilence(silence);
     ASSERT_EQ(send(dialTone, play({{350, -10}, {440, -10}}, 300, 0)), 0u);
     ASSERT_EQ(send(silence, play({{1000, -10}}, 100, 300)), 0u);
@@ -172,7 +197,9 @@ TEST_F(ToneTest, BlocksRefuseWhatIsNotTheirs) {
     EXPECT_EQ(errorOf(RynDrvSetAttributeValue(detector, RYN_VB_ATTR_AUDIO_IN, "abc", 3)), 9u);
     std::vector<uint8_t> out(65538);  // a detector has no output; a generator gives 64 KiB at most
     EXPECT_EQ(errorOf(RynDrvGetAttributeValue(detector, RYN_VB_ATTR_AUDIO_OUT, out.data(), 4, nullptr)), 6u);
-    EXPECT_EQ(errorOf(RynDrvGetAttributeValue(dialler, RYN_VB_ATTR_AUDIO_OUT, out.data(), RYN_VB_AUDIO_MAX_BYTES + 2, nullptr)), 9u);
+    EXPECT_EQ(errorOf(RynDrvGetAttributeValue(dialler, RYN_VB_ATTR_AUDIO_OUT, out.data(), RYN_VB_AUDIO_MAX_BYTES + 2,
+                                              nullptr)),
+              9u);
     EXPECT_EQ(errorOf(RynToneDtmfDiallerInit(dialler, 2000, 0, 0, 0)), 9u);
 }
 
