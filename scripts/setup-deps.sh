@@ -22,6 +22,9 @@ if [ "$mode" = all ] || [ "$mode" = i386 ]; then
   [ -f /usr/include/gtest/gtest.h ] || need+=(libgtest-dev)
   [ -f /usr/include/gmock/gmock.h ] || need+=(libgmock-dev)
   [ -f /usr/include/benchmark/benchmark.h ] || need+=(libbenchmark-dev)
+  # The reference DSP library the board's receivers are measured against
+  # (bench/board/ReceiverBench.cpp); a build without it leaves that out.
+  [ -f /usr/include/spandsp/dtmf.h ] || need+=(libspandsp-dev)
 fi
 if [ "$mode" = docs ]; then
   command -v doxygen >/dev/null || need+=(doxygen)

@@ -28,65 +28,71 @@ FskReceiver::FskReceiver(FskMode mode, double floorPeak) : floor_(kFskWindow * f
     const FskTones tones = tonesOf(mode);
     for (size_t k = 0; k < kFskWindow; ++k) {
         const double n = static_cast<double>(k);
-        mark_[0][k] = std::cos(angleOf(tones.mark) * n);
-        mark_[1][k] = std::sin(angleOf(tones.mark) * n);
-        space_[0][k] = std::cos(angleOf(tones.space) * n);
-        space_[1][k] = std::sin(angleOf(tones.space) * n);
+        reference_[k][0] = std::cos(angleOf(tones.mark) * n);
+        reference_[k][1] = std::sin(angleOf(tones.mark) * n);
+        reference_[k][2] = std::cos(angleOf(tones.space) * n);
+        reference_[k][3] = std::sin(angleOf(tones.space) * n);
     }
 }
 
 void FskReceiver::run(std::span<const int16_t> samples, std::vector<FskByte> &bytes) {
-    for (int16_t sample : samples) {
-        newest_ = (newest_ + 1) % kFskWindow;
-        window_[newest_] = sample;
-        bool carrier = false;
-        const double decision = discriminate(carrier);
-        if (!carrier) {
-            phase_ = Phase::Hunt;
-            markRun_ = 0;
-        }
-        step(decision, bytes);
-        ++count_;
+    while (!samples.empty()) {
+        const size_t n = std::min(samples.size(), kBlock);
+        discriminate(samples.first(n));
+        for (size_t i = 0; i < n; ++i) frame(outputs_ + 2 + i, bytes);
+        std::copy(outputs_ + n, outputs_ + n + 2, outputs_);
+        samples = samples.subspan(n);
     }
 }
 
-// From +1 (mark alone) to -1 (space alone); 0 without carrier.
-double FskReceiver::discriminate(bool &carrier) const {
-    double mark[2] = {}, space[2] = {}, energy = 0;
-    for (size_t k = 0; k < kFskWindow; ++k) {
-        const double x = window_[(newest_ + 1 + k) % kFskWindow];  // the oldest first
-        energy += x * x;
-        for (size_t q = 0; q < 2; ++q) {
-            mark[q] += x * mark_[q][k];
-            space[q] += x * space_[q][k];
-        }
+// One output per sample, on the window that ends there. The sums are taken
+// from the window's oldest sample, in the same order every time.
+void FskReceiver::discriminate(std::span<const int16_t> samples) {
+    std::copy(samples.begin(), samples.end(), window_ + kFskWindow);
+    Output *__restrict outputs = outputs_ + 2;
+    double energy = energy_;
+    for (size_t i = 0; i < samples.size(); ++i) {
+        const double *window = window_ + i + 1, x = window[kFskWindow - 1];
+        energy += x * x - window[-1] * window[-1];
+        double sums[4] = {};
+        for (size_t k = 0; k < kFskWindow; ++k)
+            for (size_t q = 0; q < 4; ++q) sums[q] += window[k] * reference_[k][q];
+        const double markPower = sums[0] * sums[0] + sums[1] * sums[1];
+        const double spacePower = sums[2] * sums[2] + sums[3] * sums[3];
+        const bool carrier = energy >= floor_ && markPower + spacePower > 0;
+        outputs[i] = {carrier ? markPower - spacePower : 0, carrier ? markPower + spacePower : 0};
     }
-    const double markPower = mark[0] * mark[0] + mark[1] * mark[1];
-    const double spacePower = space[0] * space[0] + space[1] * space[1];
-    carrier = energy >= floor_ && markPower + spacePower > 0;
-    return carrier ? (markPower - spacePower) / (markPower + spacePower) : 0;
+    energy_ = energy;
+    std::copy(window_ + samples.size(), window_ + samples.size() + kFskWindow, window_);
 }
 
-void FskReceiver::step(double decision, std::vector<FskByte> &bytes) {
-    const double previous = recent_[2];
-    recent_[0] = recent_[1];
-    recent_[1] = previous;
-    recent_[2] = decision;
-    if (phase_ == Phase::Hunt && decision > 0) {
-        phase_ = Phase::Armed;
-    } else if (phase_ == Phase::Armed && decision > 0) {
-        ++markRun_;
+// `output` is the newest; the two before it precede it.
+void FskReceiver::frame(const Output *output, std::vector<FskByte> &bytes) {
+    if (output->total == 0) {  // no carrier
+        phase_ = Phase::Hunt;
+        markRun_ = 0;
+    }
+    if (phase_ == Phase::Hunt) {
+        if (output->mark()) phase_ = Phase::Armed;
     } else if (phase_ == Phase::Armed) {
-        // The edge lies where the output crossed zero between the last two samples.
-        const double fall = previous - decision;
-        edge_ = static_cast<double>(count_) - 1 + (fall > 0 ? std::clamp(previous / fall, 0.0, 1.0) : 1.0);
-        afterMark_ = static_cast<double>(markRun_) >= kMarkBeforeMessage;
-        phase_ = Phase::Framing;
-        bits_ = shift_ = 0;
-        due_ = static_cast<uint64_t>(std::llround(edge_ + kBitSamples / 2)) + 1;
-    } else if (phase_ == Phase::Framing && count_ >= due_) {
-        bit(recent_[0] + recent_[1] + recent_[2] > 0, bytes);
+        if (output->mark())
+            ++markRun_;
+        else
+            startBit(output);
+    } else if (count_ >= due_) {
+        bit(output[-2].value() + output[-1].value() + output[0].value() > 0, bytes);
     }
+    ++count_;
+}
+
+// The edge lies where the output crossed zero between the last two samples.
+void FskReceiver::startBit(const Output *output) {
+    const double previous = output[-1].value(), fall = previous - output[0].value();
+    edge_ = static_cast<double>(count_) - 1 + (fall > 0 ? std::clamp(previous / fall, 0.0, 1.0) : 1.0);
+    afterMark_ = static_cast<double>(markRun_) >= kMarkBeforeMessage;
+    phase_ = Phase::Framing;
+    bits_ = shift_ = 0;
+    due_ = static_cast<uint64_t>(std::llround(edge_ + kBitSamples / 2)) + 1;
 }
 
 void FskReceiver::bit(bool mark, std::vector<FskByte> &bytes) {

@@ -34,16 +34,26 @@ public:
 
 private:
     enum class Phase { Hunt, Armed, Framing };
-    double discriminate(bool &carrier) const;
-    void step(double decision, std::vector<FskByte> &bytes);
+    // A discriminator output as mark power less and plus space power (both 0
+    // without carrier): the sign is the first's, the value their quotient,
+    // worked out only where the framing needs it.
+    struct Output {
+        double difference = 0, total = 0;
+        bool mark() const { return difference > 0; }
+        double value() const { return total > 0 ? difference / total : 0; }
+    };
+    static constexpr size_t kBlock = 128;  // samples discriminated at a time, then framed
+    void discriminate(std::span<const int16_t> samples);
+    void frame(const Output *output, std::vector<FskByte> &bytes);
+    void startBit(const Output *output);
     void bit(bool mark, std::vector<FskByte> &bytes);
 
-    double mark_[2][kFskWindow], space_[2][kFskWindow];  // cosine and sine, over the window
-    double floor_;                                       // of the window's energy
-    int16_t window_[kFskWindow] = {};
-    size_t newest_ = 0;
-    double recent_[3] = {};  // the last discriminator outputs, newest last
-    uint64_t count_ = 0;     // samples run
+    alignas(16) double reference_[kFskWindow][4];  // cosine and sine of mark, then of space
+    double floor_;                                 // of the window's energy
+    double window_[kFskWindow + kBlock] = {};      // the last samples, then a block's
+    double energy_ = 0;                            // of the window: whole numbers, exact
+    Output outputs_[2 + kBlock];                   // the last two outputs, then a block's
+    uint64_t count_ = 0;                           // samples run
     Phase phase_ = Phase::Hunt;
     uint64_t markRun_ = 0;  // samples of steady mark before the edge
     double edge_ = 0;       // the start bit's edge, in discriminator samples

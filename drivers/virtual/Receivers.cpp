@@ -98,16 +98,16 @@ namespace {
 
 // The most the comb can raise a centred tone's amplitude over what the centre
 // filter sees: the inverse of the window's response to a tone as far off as
-// a centred tone can be (half the guards' offset, and a comb step), with 1 dB
-// to spare. A long window's narrow response makes it large, and the checks
-// then always refine.
+// a centred tone can be (halfway to a guard), with 1 dB to spare. A long
+// window's narrow response makes it large, and the checks then always
+// refine.
 double refineGain(std::span<const Filter> filters, std::span<const double> weights) {
     double weightSum = 0;
     for (double w : weights) weightSum += w;
     double gain = 1;
     for (const Filter &f : filters) {
         const double hertz = std::acos(f.cosine) * kSampleRate / kTwoPi;
-        for (double share = 0; share <= kGuardOffset / 2 + kCombSpacing; share += kCombSpacing / 4) {
+        for (double share = 0; share <= kGuardOffset / 2; share += kCombSpacing / 4) {
             const double shift = angleOf(hertz * share);
             double re = 0, im = 0;
             for (size_t n = 0; n < weights.size(); ++n) {
