@@ -187,42 +187,41 @@ uint32_t connectBoard(Call &call) {
 
 // ---- Management -----------------------------------------------------------
 
-template <uint32_t State, uint32_t Event>
-uint32_t setState(Call &call) {
+// A request on the object at kHandle; refused with error 11 when there is none.
+template <uint32_t (*Answer)(Call &, Object &)>
+uint32_t onObject(Call &call) {
     Object *object = call.board.find(call.in.u32(kHandle));
-    if (object == nullptr) return VB_FAILURE(kInvalidHandle);
-    object->state = State;
-    call.board.post(*object, Event);
+    return object != nullptr ? Answer(call, *object) : VB_FAILURE(kInvalidHandle);
+}
+
+template <uint32_t State, uint32_t Event>
+uint32_t setState(Call &call, Object &object) {
+    object.state = State;
+    call.board.post(object, Event);
     return 0;
 }
 
-uint32_t getState(Call &call) {
-    Object *object = call.board.find(call.in.u32(kHandle));
-    if (object == nullptr) return VB_FAILURE(kInvalidHandle);
-    call.out.u32(GetState::kReplyState, object->state);
+uint32_t getState(Call &call, Object &object) {
+    call.out.u32(GetState::kReplyState, object.state);
     return 0;
 }
 
 // A reset returns the object's family state to its start.
-uint32_t reset(Call &call) {
-    Object *object = call.board.find(call.in.u32(kHandle));
-    if (object == nullptr) return VB_FAILURE(kInvalidHandle);
-    resetState(call.board, *object);
-    object->state = kStateIdle;
-    call.board.post(*object, kEventReset);
+uint32_t reset(Call &call, Object &object) {
+    resetState(call.board, object);
+    object.state = kStateIdle;
+    call.board.post(object, kEventReset);
     return 0;
 }
 
 // Blocks, pipes and queues end with their close; the board's devices stay
 // and return to their start.
-uint32_t close(Call &call) {
-    Object *object = call.board.find(call.in.u32(kHandle));
-    if (object == nullptr) return VB_FAILURE(kInvalidHandle);
-    if (kindOf(object->handle) == kKindPhysical) {
-        resetState(call.board, *object);
-        object->state = kStateIdle;
+uint32_t close(Call &call, Object &object) {
+    if (kindOf(object.handle) == kKindPhysical) {
+        resetState(call.board, object);
+        object.state = kStateIdle;
     } else {
-        call.board.destroy(object->handle);
+        call.board.destroy(object.handle);
     }
     return 0;
 }
@@ -348,16 +347,16 @@ uint32_t setAttributeValue(Call &call) {
 constexpr Row kCore[] = {
     row<EnumDeviceType>(enumDeviceType),
     row<EnumDevice>(enumDevice),
-    row<Enable>(setState<kStateEnabled, kEventEnabled>),
-    row<Disable>(setState<kStateDisabled, kEventDisabled>),
-    row<Reset>(reset),
+    row<Enable>(onObject<setState<kStateEnabled, kEventEnabled>>),
+    row<Disable>(onObject<setState<kStateDisabled, kEventDisabled>>),
+    row<Reset>(onObject<reset>),
     row<ConnectPipe>(connectPipe),
     row<DisconnectPipe>(disconnectPipe),
-    row<Close>(close),
+    row<Close>(onObject<close>),
     row<ConnectLogicalDevice>(connectLogicalDevice),
     row<DisconnectLogicalDevice>(disconnectLogicalDevice),
     row<StartWatchdogTimer>(accept),
-    row<GetState>(getState),
+    row<GetState>(onObject<getState>),
     row<GetAttributeType>(getAttributeType),
     row<GetAttributeValue>(getAttributeValue),  // the value area is left as the caller sent it
     row<SetAttributeValue>(setAttributeValue, true),
