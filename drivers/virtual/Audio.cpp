@@ -4,8 +4,11 @@
 #include <bit>
 #include <cstring>
 #include <deque>
+#include <optional>
 
 #include "Families.h"
+#include "G711.h"
+#include "Spans.h"
 
 namespace vb {
 namespace {
@@ -19,11 +22,26 @@ bool takesSamples(const Object &block) {
     return audio != nullptr && audio->takes != nullptr && audio->takes(block);
 }
 
-// The blocks that take what `from` plays: connected to it directly (as the
-// first handle of a connection), or through pipes, each pipe and block
-// reached once.
-std::vector<Object *> listeners(Board &board, uint32_t from) {
-    std::vector<Object *> found;
+// The span and time slot a pipe is joined to, if it is.
+std::optional<std::pair<Object *, uint32_t>> slotOf(Board &board, uint32_t pipe) {
+    for (const Board::Connection &c : board.connections) {
+        if (c.handleA != pipe) continue;
+        Object *device = board.find(c.handleB);
+        if (device != nullptr && device->family == &kT1E1Family) return std::pair{device, c.portB};
+    }
+    return std::nullopt;
+}
+
+// What `from` plays reaches: the blocks that take samples connected to it
+// directly (as the first handle of a connection) or through pipes, and the
+// time slots of the pipes joined to spans; each pipe and block once.
+struct Reach {
+    std::vector<Object *> blocks;
+    std::vector<std::pair<Object *, uint32_t>> slots;
+};
+
+Reach reach(Board &board, uint32_t from) {
+    Reach found;
     std::vector<uint32_t> visited{from}, pending{from};
     while (!pending.empty()) {
         const uint32_t at = pending.back();
@@ -34,34 +52,69 @@ std::vector<Object *> listeners(Board &board, uint32_t from) {
             Object *target = board.find(c.handleB);
             if (target == nullptr) continue;
             if (target->family == &kPipeFamily) {
-                pending.push_back(target->handle);
+                if (const auto slot = slotOf(board, target->handle)) {
+                    found.slots.push_back(*slot);
+                } else {
+                    pending.push_back(target->handle);
+                }
             } else if (takesSamples(*target)) {
-                found.push_back(target);
+                found.blocks.push_back(target);
             }
         }
     }
     return found;
 }
 
-// One hop of a frame: the samples a block played, and the blocks that
-// passed them on so far.
+// A frame through the codec: each sample to its G.711 byte and back.
+std::vector<int16_t> companded(Samples frame, uint32_t law) {
+    std::vector<int16_t> out(frame.size());
+    std::transform(frame.begin(), frame.end(), out.begin(), [law](int16_t x) {
+        return law == RYN_VB_LAW_A ? wire::g711::linearFromAlaw(wire::g711::alawFromLinear(x))
+                                   : wire::g711::linearFromUlaw(wire::g711::ulawFromLinear(x));
+    });
+    return out;
+}
+
+// One hop of a frame: the samples a block (or a time slot's pipe) played,
+// and the blocks that passed them on so far.
 struct Hop {
     uint32_t from;
     std::vector<int16_t> samples;
     std::vector<uint32_t> through;
 };
 
-// Carries a frame from block to block, hop by hop, as far as it goes. A block
-// that passes samples on does not take back what already went through it,
-// so a loop of such blocks ends.
+// A frame sent on a span's time slot goes to the pipes joined to that slot
+// on every span that receives it. A slot sends a frame once, so that loops
+// through the spans end.
+using Sent = std::vector<std::pair<uint32_t, uint32_t>>;  // (span, slot)
+
+void send(Board &board, Object &span, uint32_t slot, const Hop &hop, std::deque<Hop> &hops, Sent &sent) {
+    const std::pair key{span.handle, slot};
+    if (!voiceSlot(board, span, slot) || std::find(sent.begin(), sent.end(), key) != sent.end()) return;
+    sent.push_back(key);
+    const std::vector<int16_t> line = companded(hop.samples, codecLaw(board));
+    for (Object *receiver : spansReceiving(board, span)) {
+        if (!voiceSlot(board, *receiver, slot)) continue;
+        for (const Board::Connection &c : board.connections) {
+            Object *pipe = c.handleB == receiver->handle && c.portB == slot ? board.find(c.handleA) : nullptr;
+            if (pipe != nullptr && pipe->family == &kPipeFamily) hops.push_back({pipe->handle, line, hop.through});
+        }
+    }
+}
+
+// Carries a frame from block to block, and across the spans, hop by hop, as
+// far as it goes. A block that passes samples on does not take back what
+// already went through it, so a loop of such blocks ends.
 void carry(Board &board, Hop first) {
     std::deque<Hop> hops;
     hops.push_back(std::move(first));
     std::vector<int16_t> out;
+    Sent sent;
     while (!hops.empty()) {
         const Hop hop = std::move(hops.front());
         hops.pop_front();
-        for (Object *block : listeners(board, hop.from)) {
+        const Reach reached = reach(board, hop.from);
+        for (Object *block : reached.blocks) {
             if (std::find(hop.through.begin(), hop.through.end(), block->handle) != hop.through.end()) continue;
             out.clear();
             if (!audioOf(*block)->arrive(board, *block, hop.samples, hop.from, out)) continue;
@@ -69,6 +122,7 @@ void carry(Board &board, Hop first) {
             through.push_back(block->handle);
             hops.push_back({block->handle, out, std::move(through)});
         }
+        for (const auto &[span, slot] : reached.slots) send(board, *span, slot, hop, hops, sent);
     }
 }
 

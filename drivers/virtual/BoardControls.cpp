@@ -5,6 +5,7 @@
 
 #include "BoardWire.h"
 #include "Families.h"
+#include "Spans.h"
 
 namespace vb {
 namespace {
@@ -73,5 +74,10 @@ const Attribute kAttributes[] = {
 }  // namespace
 
 const Family kBoardFamily{"Board controls", kRows, kAttributes, makeState<Controls>};
+
+uint32_t codecLaw(Board &board) {
+    Object *controls = board.findDevice(kTypeBoard, 0);
+    return controls != nullptr ? controls->as<Controls>().law : kMuLaw;
+}
 
 }  // namespace vb

@@ -14,6 +14,7 @@
 #include <array>
 
 #include "Families.h"
+#include "Spans.h"
 #include "T1E1Wire.h"
 
 namespace vb {
@@ -355,5 +356,19 @@ void t1e1Reset(Board &board, Object &span) {
 }
 
 const Family kT1E1Family{"T1/E1 span", kRows, kAttributes, makeState<Span>, t1e1Reset};
+
+bool voiceSlot(Board &, Object &span, uint32_t slot) {
+    if (span.as<Span>().mode == kModeE1) return slot >= 1 && slot <= 31 && slot != 16;
+    return slot >= 1 && slot <= 24;
+}
+
+std::vector<Object *> spansReceiving(Board &board, Object &span) {
+    std::vector<Object *> spans;
+    for (uint32_t id = 0; id < 2; ++id) {
+        Object *other = board.findDevice(kTypeT1E1, id);
+        if (other != nullptr && received(board, *other) == &span.as<Span>()) spans.push_back(other);
+    }
+    return spans;
+}
 
 }  // namespace vb

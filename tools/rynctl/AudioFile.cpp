@@ -19,6 +19,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "G711.h"
 #include "LittleEndian.h"
 #endif
 
@@ -198,40 +199,6 @@ constexpr const char *kWithoutLibraries =
 // WAV format tags.
 constexpr uint16_t kTagPcm = 1, kTagAlaw = 6, kTagUlaw = 7;
 
-// G.711 (ITU-T G.711, segment by segment as in the recommendation's tables).
-uint8_t ulawFromLinear(int16_t sample) {
-    constexpr int kBias = 0x84, kClip = 32635;
-    const int sign = sample < 0 ? 0x80 : 0;
-    int x = std::min(sample < 0 ? -static_cast<int>(sample) : static_cast<int>(sample), kClip) + kBias;
-    int exponent = 7;
-    for (int mask = 0x4000; (x & mask) == 0 && exponent > 0; mask >>= 1) --exponent;
-    const int mantissa = (x >> (exponent + 3)) & 0x0F;
-    return static_cast<uint8_t>(~(sign | (exponent << 4) | mantissa));
-}
-
-int16_t linearFromUlaw(uint8_t code) {
-    const int u = ~code & 0xFF;
-    const int magnitude = ((((u & 0x0F) << 3) + 0x84) << ((u & 0x70) >> 4)) - 0x84;
-    return static_cast<int16_t>((u & 0x80) != 0 ? -magnitude : magnitude);
-}
-
-uint8_t alawFromLinear(int16_t sample) {
-    const int mask = sample < 0 ? 0x55 : 0xD5;
-    const int x = std::abs(static_cast<int>(sample)) >> 3;  // 12 bits of magnitude
-    int segment = 0;
-    while (segment < 8 && x >= (0x20 << segment)) ++segment;
-    if (segment == 8) return static_cast<uint8_t>(0x7F ^ mask);
-    const int mantissa = segment < 2 ? (x >> 1) & 0x0F : (x >> segment) & 0x0F;
-    return static_cast<uint8_t>(((segment << 4) | mantissa) ^ mask);
-}
-
-int16_t linearFromAlaw(uint8_t code) {
-    const int a = code ^ 0x55;
-    const int segment = (a & 0x70) >> 4;
-    int magnitude = ((a & 0x0F) << 4) + (segment == 0 ? 8 : 0x108);
-    if (segment > 1) magnitude <<= segment - 1;
-    return static_cast<int16_t>((a & 0x80) != 0 ? magnitude : -magnitude);
-}
 
 // WAV fields are little-endian.
 void put16(std::string &to, uint16_t value) {
@@ -395,9 +362,9 @@ bool write(const std::string &path, const std::vector<int16_t> &samples, OutputF
     std::string data;
     for (const int16_t sample : samples) {
         if (format.encoding == Encoding::Ulaw)
-            data += static_cast<char>(ulawFromLinear(sample));
+            data += static_cast<char>(wire::g711::ulawFromLinear(sample));
         else if (format.encoding == Encoding::Alaw)
-            data += static_cast<char>(alawFromLinear(sample));
+            data += static_cast<char>(wire::g711::alawFromLinear(sample));
         else
             put16(data, static_cast<uint16_t>(sample));
     }
@@ -446,7 +413,7 @@ bool read(const std::string &path, std::vector<int16_t> &samples, std::string &e
     const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     const std::string ext = extension(path);
     if (ext == "ul" || ext == "al") {
-        for (const uint8_t code : bytes) samples.push_back(ext == "ul" ? linearFromUlaw(code) : linearFromAlaw(code));
+        for (const uint8_t code : bytes) samples.push_back(ext == "ul" ? wire::g711::linearFromUlaw(code) : wire::g711::linearFromAlaw(code));
         conversion =
             std::string("converted 8000 Hz mono raw ") + (ext == "ul" ? "mu-law" : "A-law") + " to 8000 Hz mono 16-bit";
         return true;
@@ -478,8 +445,8 @@ bool read(const std::string &path, std::vector<int16_t> &samples, std::string &e
             }
             for (size_t i = start; i + (pcm ? 1 : 0) < start + count; i += pcm ? 2 : 1)
                 samples.push_back(pcm               ? static_cast<int16_t>(file.u16(i))
-                                  : tag == kTagUlaw ? linearFromUlaw(bytes[i])
-                                                    : linearFromAlaw(bytes[i]));
+                                  : tag == kTagUlaw ? wire::g711::linearFromUlaw(bytes[i])
+                                                    : wire::g711::linearFromAlaw(bytes[i]));
             if (!pcm)
                 conversion = std::string("converted 8000 Hz mono WAV ") + (tag == kTagUlaw ? "mu-law" : "A-law") +
                              " to 8000 Hz mono 16-bit";
