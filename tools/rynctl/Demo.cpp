@@ -26,7 +26,8 @@ bool ok(const char *what, ResultCode result) {
 bool showBoard() {
     std::printf("== 1. board\n");
     char version[80] = {};
-    if (!ok("driver version", readText(RYN_DRIVER_PSEUDO_HANDLE, RYN_VB_ATTR_DRIVER_VERSION, version, sizeof version))) return false;
+    if (!ok("driver version", readText(RYN_DRIVER_PSEUDO_HANDLE, RYN_VB_ATTR_DRIVER_VERSION, version, sizeof version)))
+        return false;
     std::printf("driver %s\n", version);
     uint32_t devices = 0;
     int32_t types = 0;
@@ -59,19 +60,42 @@ bool runModule(DeviceHandle dsp) {
     return module == kModule && state == kRunning;
 }
 
-bool dialAndDetect(DeviceHandle dsp, std::string &detected) {
-    std::printf("== 3. dtmf\n");
-    DeviceHandle dialler = 0, detector = 0, queue = 0;
+// A pipe joined to time slot kSlot of a span: blocks connected before it send
+// on the slot, blocks connected after it hear what the slot receives.
+constexpr uint32_t kSlot = 5;
+
+bool slotPipe(const char *span, DeviceHandle &pipe) {
+    const auto device = findDevice(span);
+    return device && ok("pipe", RynDrvCreatePipe(0, &pipe)) &&
+           ok("join the pipe to the slot", RynDrvConnectPipe(pipe, 0, *device, kSlot, nullptr, 0));
+}
+
+// Dials kDigits from a dialler into a detector: connected directly, or
+// across the spans (the dialler on span 0's time slot kSlot, the detector
+// on span 1's).
+bool dialAndDetect(DeviceHandle dsp, bool acrossSpans, std::string &detected) {
+    std::printf(acrossSpans ? "== 5. span\n" : "== 3. dtmf\n");
+    DeviceHandle dialler = 0, detector = 0, queue = 0, sending = 0, receiving = 0;
     OsaHandle event = 0;
     bool good = ok("dialler", RynDrvCreateLogicalDevice(dsp, kDtmfDialler, 0, 0, &dialler)) &&
                 ok("detector", RynDrvCreateLogicalDevice(dsp, kDtmfDetector, 0, 0, &detector)) &&
                 ok("dialler set-up", RynToneDtmfDiallerInit(dialler, 0, 0, 6, 0)) &&
-                ok("detector set-up", RynToneDtmfDetectorInit(detector, 0, 0)) &&
-                ok("connect", RynDrvConnectLogicalDevice(dialler, 0, detector, 0)) &&
-                ok("event object", RynDrvCreateEvent(&event)) &&
-                ok("event queue", RynDrvCreateEventQueue(dsp, event, &queue));  // events of DSP 0's blocks
+                ok("detector set-up", RynToneDtmfDetectorInit(detector, 0, 0));
+    if (good && acrossSpans) {
+        good = slotPipe("t1e1:0", sending) && slotPipe("t1e1:1", receiving) &&
+               ok("connect the dialler", RynDrvConnectLogicalDevice(dialler, 0, sending, 0)) &&
+               ok("connect the detector", RynDrvConnectLogicalDevice(receiving, 0, detector, 0));
+    } else if (good) {
+        good = ok("connect", RynDrvConnectLogicalDevice(dialler, 0, detector, 0));
+    }
+    good = good && ok("event object", RynDrvCreateEvent(&event)) &&
+           ok("event queue", RynDrvCreateEventQueue(dsp, event, &queue));  // events of DSP 0's blocks
     if (good) {
-        std::printf("dialler 0x%08X -> detector 0x%08X, dialling \"%s\"\n", dialler, detector, kDigits);
+        if (acrossSpans)
+            std::printf("dialler 0x%08X -> span 0 slot %u ~ span 1 slot %u -> detector 0x%08X, dialling \"%s\"\n",
+                        dialler, kSlot, kSlot, detector, kDigits);
+        else
+            std::printf("dialler 0x%08X -> detector 0x%08X, dialling \"%s\"\n", dialler, detector, kDigits);
         good = ok("dial", RynToneDtmfDial(dialler, kDigits, static_cast<int32_t>(std::strlen(kDigits)), 0, 0));
     }
     // Records as they come, until the dialler says it has finished.
@@ -92,8 +116,8 @@ bool dialAndDetect(DeviceHandle dsp, std::string &detected) {
     }
     if (queue != 0) RynDrvClose(queue);
     if (event != 0) RynDrvCloseEvent(event);
-    if (detector != 0) RynDrvClose(detector);
-    if (dialler != 0) RynDrvClose(dialler);
+    for (DeviceHandle object : {detector, dialler, sending, receiving})
+        if (object != 0) RynDrvClose(object);
     std::printf("dialled \"%s\", detected \"%s\"\n", kDigits, detected.c_str());
     return good && detected == kDigits;
 }
@@ -128,16 +152,21 @@ int demo() {
     const auto dsp = findDevice("dsp:0");
     const bool module = dsp && runModule(*dsp);
     std::string detected;
-    const bool dtmf = dsp && dialAndDetect(*dsp, detected);
+    const bool dtmf = dsp && dialAndDetect(*dsp, false, detected);
     uint32_t frames = 0;
     const bool hdlc = loopFrames(frames);
+    std::string crossed;
+    const bool span = dsp && dialAndDetect(*dsp, true, crossed);
     std::printf("== summary\n");
     std::printf("  board   %s\n", board ? "enumerated" : "FAILED");
     std::printf("  dsp     %s\n", module ? "built-in module running" : "FAILED");
-    std::printf("  dtmf    %zu of %zu digits detected%s\n", detected.size() <= std::strlen(kDigits) ? detected.size() : 0,
-                std::strlen(kDigits), dtmf ? "" : "  FAILED");
+    std::printf("  dtmf    %zu of %zu digits detected%s\n",
+                detected.size() <= std::strlen(kDigits) ? detected.size() : 0, std::strlen(kDigits),
+                dtmf ? "" : "  FAILED");
     std::printf("  hdlc    %u of 3 frames came back%s\n", frames, hdlc ? "" : "  FAILED");
-    const bool good = board && module && dtmf && hdlc;
+    std::printf("  span    %zu of %zu digits crossed%s\n", crossed.size() <= std::strlen(kDigits) ? crossed.size() : 0,
+                std::strlen(kDigits), span ? "" : "  FAILED");
+    const bool good = board && module && dtmf && hdlc && span;
     std::printf("%s\n", good ? "everything came back as sent" : "something did not come back as sent");
     return good ? kExitDone : kExitRefused;
 }
@@ -146,7 +175,7 @@ int demo() {
 
 Command demoCommand(CLI::App &rynctl) {
     CLI::App *app = rynctl.add_subcommand("demo", "the library at work on the board, every step checked");
-    char steps[1024];
+    char steps[1536];
     std::snprintf(steps, sizeof steps,
                   "Shows the library at work on the board (the virtual board when no other is installed):\n"
                   "  1. board  connects to the driver, prints its version and enumerates its device tree.\n"
@@ -158,8 +187,11 @@ Command demoCommand(CLI::App &rynctl) {
                   "            events, dials \"%s\" and prints each digit detected with its event.\n"
                   "  4. hdlc   sets up HDLC channel 0, sends three frames through its loopback and reads\n"
                   "            them back.\n"
+                  "  5. span   dials \"%s\" again, now across the T1/E1 spans: the dialler sends on time slot\n"
+                  "            %u of span 0 and the detector hears slot %u of span 1, each through a pipe\n"
+                  "            joined to its slot.\n"
                   "Then a summary. Exits 0 only when every step came back as sent.",
-                  kModule, kDigits);
+                  kModule, kDigits, kDigits, kSlot, kSlot);
     app->footer(steps);
     return {app, demo};
 }
