@@ -7,17 +7,6 @@
 
 namespace wire::cst_pots {
 
-// Two or three 32-bit settings after the handle.
-struct TwoSettings {
-    static constexpr uint32_t kRequest = 28, kReply = kPlainReply;
-    static constexpr uint32_t kParam1 = 20, kParam2 = 24;
-};
-
-struct ThreeSettings {
-    static constexpr uint32_t kRequest = 32, kReply = kPlainReply;
-    static constexpr uint32_t kParam1 = 20, kParam2 = 24, kParam3 = 28;
-};
-
 // param2 is the DAA mode.
 struct Init : TwoSettings {
     static constexpr uint32_t kFunction = 0x9A9;

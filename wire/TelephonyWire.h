@@ -9,30 +9,6 @@
 
 namespace wire::telephony {
 
-// ---- Shapes shared by several requests
-
-// One, two or three 32-bit settings after the handle.
-struct OneSetting {
-    static constexpr uint32_t kRequest = 24, kReply = kPlainReply;
-    static constexpr uint32_t kParam1 = 20;
-};
-
-struct TwoSettings {
-    static constexpr uint32_t kRequest = 28, kReply = kPlainReply;
-    static constexpr uint32_t kParam1 = 20, kParam2 = 24;
-};
-
-struct ThreeSettings {
-    static constexpr uint32_t kRequest = 32, kReply = kPlainReply;
-    static constexpr uint32_t kParam1 = 20, kParam2 = 24, kParam3 = 28;
-};
-
-// A block's status (8 or 32 bits) at kReplyStatus.
-struct StatusRead {
-    static constexpr uint32_t kRequest = 20, kReply = 16;
-    static constexpr uint32_t kReplyStatus = 8;
-};
-
 // ---- DTMF dialler and detector
 
 struct DtmfDialerInit : OneSetting {

@@ -15,12 +15,6 @@ struct Dial {
     static constexpr uint32_t kDigits = 20, kDigitBytes = 128, kCount = 148, kParam3 = 152, kParam4 = 156;
 };
 
-// A detector's status (8 or 32 bits) at kReplyStatus.
-struct StatusRead {
-    static constexpr uint32_t kRequest = 20, kReply = 16;
-    static constexpr uint32_t kReplyStatus = 8;
-};
-
 // A 16-bit value at kReplyValue; the result is the 32-bit word after it.
 struct ValueRead {
     static constexpr uint32_t kRequest = 20, kReply = 14;

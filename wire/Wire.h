@@ -26,10 +26,26 @@ inline constexpr uint32_t kHandle = 16;
 // The common reply: its result code at offset 8 (the last word of 12).
 inline constexpr uint32_t kPlainReply = 12;
 
-// The shape of the requests that carry the handle alone, with the common
-// reply.
+// Shapes many requests share: the handle alone, or with one to three 32-bit
+// settings, and the common reply; a status (8 or 32 bits) read back.
 struct HandleOnly {
     static constexpr uint32_t kRequest = 20, kReply = kPlainReply;
+};
+struct OneSetting {
+    static constexpr uint32_t kRequest = 24, kReply = kPlainReply;
+    static constexpr uint32_t kParam1 = 20;
+};
+struct TwoSettings {
+    static constexpr uint32_t kRequest = 28, kReply = kPlainReply;
+    static constexpr uint32_t kParam1 = 20, kParam2 = 24;
+};
+struct ThreeSettings {
+    static constexpr uint32_t kRequest = 32, kReply = kPlainReply;
+    static constexpr uint32_t kParam1 = 20, kParam2 = 24, kParam3 = 28;
+};
+struct StatusRead {
+    static constexpr uint32_t kRequest = 20, kReply = 16;
+    static constexpr uint32_t kReplyStatus = 8;
 };
 
 }  // namespace wire

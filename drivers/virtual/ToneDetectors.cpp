@@ -14,6 +14,7 @@ namespace vb {
 namespace {
 
 using namespace wire::tone;
+using wire::StatusRead;
 
 // ---- Limits and defaults ----------------------------------------------------
 
