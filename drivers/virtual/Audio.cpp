@@ -200,10 +200,7 @@ std::vector<int16_t> fromLittleEndian(std::span<const uint8_t> bytes) {
 
 std::vector<uint8_t> toLittleEndian(std::span<const int16_t> samples) {
     std::vector<uint8_t> bytes(samples.size() * 2);
-    for (size_t i = 0; i < samples.size(); ++i) {
-        bytes[2 * i] = static_cast<uint8_t>(samples[i]);
-        bytes[2 * i + 1] = static_cast<uint8_t>(static_cast<uint16_t>(samples[i]) >> 8);
-    }
+    for (size_t i = 0; i < samples.size(); ++i) wire::le::store16(&bytes[2 * i], static_cast<uint16_t>(samples[i]));
     return bytes;
 }
 
