@@ -143,6 +143,48 @@ TEST_F(ToneTest, DtmfReceiverHoldsItsLimits) {
     }
 }
 
+// Every MF digit at random phases and alignments, at the edges of the
+// receiver's limits: each tone 1.5% off, twist 6 dB either way, level -30 dB.
+TEST_F(ToneTest, MfReceiverHoldsItsLimits) {
+    constexpr double kMf[] = {700, 900, 1100, 1300, 1500, 1700};
+    constexpr std::pair<int, int> kPairs[] = {{0, 1}, {0, 2}, {1, 2}, {0, 3}, {1, 3}, {2, 3}, {0, 4}, {1, 4},
+                                              {2, 4}, {3, 4}, {2, 5}, {4, 5}, {1, 5}, {3, 5}, {0, 5}};
+    constexpr char kDigits[] = "1234567890*#ABC";
+    struct Case {
+        const char *what;
+        double lowShift, highShift, lowDb, highDb;
+        bool heard;
+    };
+    const Case cases[] = {
+        {"1.5% apart", 1.015, 0.985, -8, -8, true},
+        {"low 4% off", 1.04, 1, -8, -8, false},
+        {"low louder by 5 dB", 1, 1, -5, -10, true},
+        {"low louder by 7 dB", 1, 1, -5, -12, false},
+        {"high louder by 5 dB", 1, 1, -10, -5, true},
+        {"high louder by 7 dB", 1, 1, -12, -5, false},
+        {"-28 dB", 1, 1, -28, -28, true},
+        {"-32 dB", 1, 1, -32, -32, false},
+    };
+    std::mt19937 random(68);
+    std::uniform_real_distribution<double> phase(0, 2 * M_PI);
+    std::uniform_int_distribution<size_t> offset(0, 159);
+    for (const Case &c : cases) {
+        for (size_t digit = 0; digit < std::size(kPairs); ++digit) {
+            const DeviceHandle detector = block(RYN_VB_BLOCK_MF_DETECTOR);
+            EventListener heard(detector);
+            const auto [low, high] = kPairs[digit];
+            ASSERT_EQ(send(detector, Samples(offset(random))), 0u);
+            ASSERT_EQ(send(detector, play({{kMf[low] * c.lowShift, c.lowDb, phase(random)},
+                                           {kMf[high] * c.highShift, c.highDb, phase(random)}},
+                                          68)),
+                      0u);
+            EXPECT_EQ(heard.reported(RYN_VB_EVENT_MF_DIGIT, 1), c.heard ? std::string(1, kDigits[digit]) : "")
+                << c.what << ", digit " << kDigits[digit];
+            RynDrvClose(detector);
+        }
+    }
+}
+
 TEST_F(ToneTest, SineGeneratorPlaysTheLibrarysOscillator) {
     const DeviceHandle generator = block(RYN_VB_BLOCK_SINE_WAVE_GENERATOR);
     const SineToneParams tone{1000, 0, 0};
