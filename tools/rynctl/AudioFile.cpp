@@ -199,7 +199,6 @@ constexpr const char *kWithoutLibraries =
 // WAV format tags.
 constexpr uint16_t kTagPcm = 1, kTagAlaw = 6, kTagUlaw = 7;
 
-
 // WAV fields are little-endian.
 void put16(std::string &to, uint16_t value) {
     uint8_t bytes[2];
@@ -413,7 +412,8 @@ bool read(const std::string &path, std::vector<int16_t> &samples, std::string &e
     const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     const std::string ext = extension(path);
     if (ext == "ul" || ext == "al") {
-        for (const uint8_t code : bytes) samples.push_back(ext == "ul" ? wire::g711::linearFromUlaw(code) : wire::g711::linearFromAlaw(code));
+        for (const uint8_t code : bytes)
+            samples.push_back(ext == "ul" ? wire::g711::linearFromUlaw(code) : wire::g711::linearFromAlaw(code));
         conversion =
             std::string("converted 8000 Hz mono raw ") + (ext == "ul" ? "mu-law" : "A-law") + " to 8000 Hz mono 16-bit";
         return true;
