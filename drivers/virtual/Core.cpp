@@ -173,8 +173,10 @@ uint32_t disconnectPipe(Call &call) {
     const uint32_t pipe = call.in.u32(DisconnectPipe::kPipe), port = call.in.u32(DisconnectPipe::kPort);
     Object *object = call.board.find(pipe);
     if (object == nullptr || object->family != &kPipeFamily) return VB_FAILURE(kInvalidHandle);
-    const size_t removed = std::erase_if(
-        call.board.connections, [&](const Board::Connection &c) { return c.handleA == pipe && c.portA == port; });
+    // The port's joins to devices; the pipe's connections to blocks stay.
+    const size_t removed = std::erase_if(call.board.connections, [&](const Board::Connection &c) {
+        return c.handleA == pipe && c.portA == port && kindOf(c.handleB) == kKindPhysical;
+    });
     return removed != 0 ? 0 : VB_FAILURE(kFailed);
 }
 
