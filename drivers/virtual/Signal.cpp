@@ -124,8 +124,6 @@ std::optional<Pair> dtmfPair(uint8_t character) {
     return std::nullopt;
 }
 
-std::span<const double, 2 * kDtmfGroup> dtmfFrequencies() { return kDtmfFrequencies; }
-
 std::optional<Pair> mfPair(uint8_t character) {
     const int upper = character == 'K' ? '*' : character == 'S' ? '#' : character;
     for (const MfDigit &digit : kMfDigits)

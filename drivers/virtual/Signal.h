@@ -135,10 +135,9 @@ struct Pair {
 // # or S, ST' ST'' ST''' as A B C.
 std::optional<Pair> dtmfPair(uint8_t character);
 std::optional<Pair> mfPair(uint8_t character);
-// The DTMF frequencies: the low group (rows), then the high group (columns).
-// Row r with column c is the digit of DtmfReceiver's symbol 4 r + c.
+// The DTMF frequencies come in two groups of four: row r with column c is
+// the digit of DtmfReceiver's symbol 4 r + c.
 inline constexpr size_t kDtmfGroup = 4;
-std::span<const double, 2 * kDtmfGroup> dtmfFrequencies();
 
 struct DialTiming {
     uint64_t toneSamples, pauseSamples;
