@@ -23,7 +23,8 @@ using Samples = std::span<const int16_t>;
 // What a family's blocks do with samples.
 struct Audio {
     // Whether a block takes samples in (from connections, and from the
-    // application through the audio-in attribute).
+    // application through the audio-in attribute); nullptr: none does, and
+    // `arrive` is never called.
     bool (*takes)(const Object &block);
     // A frame reaches a block that takes samples, from `from` (the handle of
     // the block that played it, 0 for the application). A block that passes

@@ -3,13 +3,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
+
+#include "SignalDetail.h"
 
 namespace vb::signal {
 
 namespace {
 
-double angleOf(double hertz) { return 2.0 * std::numbers::pi * hertz / kSampleRate; }
+using detail::angleOf;
 
 constexpr double kBitSamples = kSampleRate / 1200.0;  // 6 2/3 at 1200 baud
 constexpr uint32_t kStopBit = 9;                      // after the start bit and 8 data bits

@@ -228,9 +228,7 @@ constexpr Row kRows[] = {
 
 // ---- Audio ------------------------------------------------------------------
 
-bool takesNothing(const Object &) { return false; }
 bool givesSamples(const Object &) { return true; }
-bool arriveNowhere(Board &, Object &, Samples, uint32_t, std::vector<int16_t> &) { return false; }
 
 // The generator's next samples; a free-running generator's are live, a
 // dialler's or sequence generator's went out with the dial or send.
@@ -242,7 +240,7 @@ bool render(Object &block, std::span<int16_t> out) {
     return !g.recorded;
 }
 
-constexpr Audio kAudio{takesNothing, arriveNowhere, givesSamples, render};
+constexpr Audio kAudio{nullptr, nullptr, givesSamples, render};  // generators take no samples
 
 }  // namespace
 

@@ -37,23 +37,6 @@ std::span<const DaaWrite> daaSequence(int32_t daaMode) {
     return {};
 }
 
-// Two 32-bit settings after the handle; plain reply.
-template <typename Wire>
-ResultCode sendTwo(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    RequestOf<Wire> request;
-    request.template put<wire::kHandle>(handle).template put<Wire::kParam1>(param1).template put<Wire::kParam2>(param2);
-    return request.send();
-}
-
-// Three 32-bit settings after the handle; plain reply.
-template <typename Wire>
-ResultCode sendThree(DeviceHandle handle, uint32_t param1, uint32_t param2, uint32_t param3) {
-    RequestOf<Wire> request;
-    request.template put<wire::kHandle>(handle).template put<Wire::kParam1>(param1).template put<Wire::kParam2>(param2);
-    request.template put<Wire::kParam3>(param3);
-    return request.send();
-}
-
 }  // namespace
 }  // namespace ryn
 
@@ -75,7 +58,7 @@ ResultCode RYN_DECORATED(RynCstPotsWriteDaa, 24)(DeviceHandle handle, uint32_t p
 
 ResultCode RYN_DECORATED(RynCstPotsInit, 12)(DeviceHandle handle, uint32_t param1, int32_t daaMode) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    ResultCode result = sendTwo<wire::cst_pots::Init>(handle, param1, static_cast<uint32_t>(daaMode));
+    ResultCode result = sendSettings<wire::cst_pots::Init>(handle, param1, static_cast<uint32_t>(daaMode));
     if (daaMode == 0 || isFailure(result)) return result;
     const std::span<const DaaWrite> writes = daaSequence(daaMode);
     for (size_t i = 0; i < writes.size(); ++i) {
@@ -91,29 +74,29 @@ ResultCode RYN_DECORATED(RynCstPotsInit, 12)(DeviceHandle handle, uint32_t param
 }
 
 ResultCode RYN_DECORATED(RynCstPotsOffHook, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendTwo<wire::cst_pots::OffHook>(handle, param1, param2);
+    return sendSettings<wire::cst_pots::OffHook>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstPotsOnHook, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendTwo<wire::cst_pots::OnHook>(handle, param1, param2);
+    return sendSettings<wire::cst_pots::OnHook>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstPotsHookFlash, 16)(DeviceHandle handle, uint32_t param1, uint32_t param2,
                                                   uint32_t param3) {
-    return sendThree<wire::cst_pots::HookFlash>(handle, param1, param2, param3);
+    return sendSettings<wire::cst_pots::HookFlash>(handle, param1, param2, param3);
 }
 
 ResultCode RYN_DECORATED(RynCstPotsPulseDial, 16)(DeviceHandle handle, uint32_t param1, uint32_t param2,
                                                   uint32_t param3) {
-    return sendThree<wire::cst_pots::PulseDial>(handle, param1, param2, param3);
+    return sendSettings<wire::cst_pots::PulseDial>(handle, param1, param2, param3);
 }
 
 ResultCode RYN_DECORATED(RynCstPotsOnHookLineMon, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendTwo<wire::cst_pots::OnHookLineMon>(handle, param1, param2);
+    return sendSettings<wire::cst_pots::OnHookLineMon>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstPotsSenseLine, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendTwo<wire::cst_pots::SenseLine>(handle, param1, param2);
+    return sendSettings<wire::cst_pots::SenseLine>(handle, param1, param2);
 }
 
 }  // extern "C"

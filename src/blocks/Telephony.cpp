@@ -51,13 +51,9 @@ struct CptBlock {
 
 // Settings after the handle, 32 bits each, in order; plain reply.
 template <typename Wire, class... Settings>
-ResultCode sendSettings(DeviceHandle handle, Settings... settings) {
+ResultCode sendToBlock(DeviceHandle handle, Settings... settings) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
-    const uint32_t values[] = {settings...};
-    static_assert(Wire::kParam1 + sizeof values == Wire::kRequest, "one setting for each field");
-    RequestOf<Wire> request;
-    request.template put<wire::kHandle>(handle).template putBytes<Wire::kParam1, sizeof values>(values, sizeof values);
-    return request.send();
+    return sendSettings<Wire>(handle, settings...);
 }
 
 // A block's status (32 or 8 bits), written whatever the result.
@@ -65,11 +61,7 @@ template <typename Wire, class Status>
 ResultCode readStatus(DeviceHandle handle, Status *status) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
     if (status == nullptr) return RYN_FAILURE(kErrNullPointer);
-    RequestOf<Wire> request;
-    request.template put<wire::kHandle>(handle);
-    const ResultCode result = request.send();
-    std::memcpy(status, request.template replyBytes<Wire::kReplyStatus, sizeof(Status)>(), sizeof(Status));
-    return result;
+    return sendForStatus<Wire>(handle, *status);
 }
 
 // Gathers the one tone table into the block: its settings, the value list,
@@ -120,7 +112,7 @@ using namespace ryn;
 extern "C" {
 
 ResultCode RYN_DECORATED(RynCstDtmfDialerInit, 8)(DeviceHandle handle, uint32_t param1) {
-    return sendSettings<wire::telephony::DtmfDialerInit>(handle, param1);
+    return sendToBlock<wire::telephony::DtmfDialerInit>(handle, param1);
 }
 
 // At most 127 characters, although the area holds 128; the rest of the area
@@ -140,7 +132,7 @@ ResultCode RYN_DECORATED(RynCstDtmfDial, 20)(DeviceHandle handle, const char *di
 }
 
 ResultCode RYN_DECORATED(RynCstVoiceActivityDetectorInit, 8)(DeviceHandle handle, uint32_t param1) {
-    return sendSettings<wire::telephony::VoiceActivityDetectorInit>(handle, param1);
+    return sendToBlock<wire::telephony::VoiceActivityDetectorInit>(handle, param1);
 }
 
 ResultCode RYN_DECORATED(RynCstVoiceActivityDetectorStatus, 8)(DeviceHandle handle, uint32_t *status) {
@@ -148,7 +140,7 @@ ResultCode RYN_DECORATED(RynCstVoiceActivityDetectorStatus, 8)(DeviceHandle hand
 }
 
 ResultCode RYN_DECORATED(RynCstDtmfDetectorInit, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendSettings<wire::telephony::DtmfDetectorInit>(handle, param1, param2);
+    return sendToBlock<wire::telephony::DtmfDetectorInit>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstDtmfDetectorStatus, 8)(DeviceHandle handle, uint8_t *status) {
@@ -156,20 +148,20 @@ ResultCode RYN_DECORATED(RynCstDtmfDetectorStatus, 8)(DeviceHandle handle, uint8
 }
 
 ResultCode RYN_DECORATED(RynCstComfortNoiseGeneratorInit, 8)(DeviceHandle handle, uint32_t param1) {
-    return sendSettings<wire::telephony::ComfortNoiseGeneratorInit>(handle, param1);
+    return sendToBlock<wire::telephony::ComfortNoiseGeneratorInit>(handle, param1);
 }
 
 ResultCode RYN_DECORATED(RynCstVoiceMixerInit, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendSettings<wire::telephony::VoiceMixerInit>(handle, param1, param2);
+    return sendToBlock<wire::telephony::VoiceMixerInit>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstEchoCancelInit, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendSettings<wire::telephony::EchoCancelInit>(handle, param1, param2);
+    return sendToBlock<wire::telephony::EchoCancelInit>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstCptDetectorInit, 16)(DeviceHandle handle, uint32_t param1, uint32_t param2,
                                                     uint32_t param3) {
-    return sendSettings<wire::telephony::CptDetectorInit>(handle, param1, param2, param3);
+    return sendToBlock<wire::telephony::CptDetectorInit>(handle, param1, param2, param3);
 }
 
 ResultCode RYN_DECORATED(RynCstCptDetectorStatus, 8)(DeviceHandle handle, uint32_t *status) {
@@ -177,15 +169,15 @@ ResultCode RYN_DECORATED(RynCstCptDetectorStatus, 8)(DeviceHandle handle, uint32
 }
 
 ResultCode RYN_DECORATED(RynCstCptGeneratorInit, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendSettings<wire::telephony::CptGeneratorInit>(handle, param1, param2);
+    return sendToBlock<wire::telephony::CptGeneratorInit>(handle, param1, param2);
 }
 
 ResultCode RYN_DECORATED(RynCstCptGenerateTone, 8)(DeviceHandle handle, uint32_t param1) {
-    return sendSettings<wire::telephony::CptGenerateTone>(handle, param1);
+    return sendToBlock<wire::telephony::CptGenerateTone>(handle, param1);
 }
 
 ResultCode RYN_DECORATED(RynCstCidDetectorInit, 12)(DeviceHandle handle, uint32_t param1, uint32_t param2) {
-    return sendSettings<wire::telephony::CidDetectorInit>(handle, param1, param2);
+    return sendToBlock<wire::telephony::CidDetectorInit>(handle, param1, param2);
 }
 
 // Up to 128 entries of each list; a negative count copies none and travels

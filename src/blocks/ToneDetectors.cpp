@@ -18,15 +18,7 @@ template <typename Wire, class Status>
 ResultCode readStatus(DeviceHandle handle, Status *status) {
     if (!isLogicalDevice(handle)) return RYN_FAILURE(kErrInvalidHandle);
     if (status == nullptr) return RYN_FAILURE(kErrNullPointer);
-    RequestOf<Wire> request;
-    request.template put<wire::kHandle>(handle);
-    const ResultCode result = request.send();
-    if constexpr (sizeof(Status) == 1) {
-        *status = request.template get8<Wire::kReplyStatus>();
-    } else {
-        *status = request.template get<Wire::kReplyStatus>();
-    }
-    return result;
+    return sendForStatus<Wire>(handle, *status);
 }
 
 // Dual- and single-frequency set-up: a coefficient word for each frequency,

@@ -7,8 +7,9 @@
 // rounded to a double, and an angle that overflows a double is refused. x87
 // arithmetic (32-bit x86 without -mfpmath=sse) keeps wider intermediates and
 // would give other coefficients and pass such angles as finite.
-static_assert(FLT_EVAL_METHOD == 0, "double arithmetic must round each operation: on 32-bit x86 build with -msse2 "
-                                    "-mfpmath=sse");
+static_assert(FLT_EVAL_METHOD == 0,
+              "double arithmetic must round each operation: on 32-bit x86 build with -msse2 "
+              "-mfpmath=sse");
 
 namespace ryn::tone {
 namespace {

@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <span>
 
 #include "LittleEndian.h"
@@ -158,6 +159,35 @@ class RequestOf : public Request<Wire::kRequest, Wire::kReply> {
 public:
     RequestOf() : Request<Wire::kRequest, Wire::kReply>(Wire::kFunction) {}
 };
+
+// The handle and 32-bit settings after it, in order (the shapes
+// wire::OneSetting to wire::ThreeSettings), with the common reply.
+template <typename Wire, class... Settings>
+ResultCode sendSettings(DeviceHandle handle, Settings... settings) {
+    const uint32_t values[] = {static_cast<uint32_t>(settings)...};
+    static_assert(Wire::kParam1 + sizeof values == Wire::kRequest, "one setting for each field");
+    uint8_t bytes[sizeof values];
+    for (size_t i = 0; i < std::size(values); ++i) store32(bytes + 4 * i, values[i]);
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle).template putBytes<Wire::kParam1, sizeof bytes>(bytes, sizeof bytes);
+    return request.send();
+}
+
+// A status read (wire::StatusRead): the handle alone, and the 8- or 32-bit
+// status of the reply, stored whatever the result.
+template <typename Wire, class Status>
+ResultCode sendForStatus(DeviceHandle handle, Status &status) {
+    static_assert(sizeof(Status) == 1 || sizeof(Status) == 4, "an 8- or 32-bit status");
+    RequestOf<Wire> request;
+    request.template put<wire::kHandle>(handle);
+    const ResultCode result = request.send();
+    if constexpr (sizeof(Status) == 1) {
+        status = request.template get8<Wire::kReplyStatus>();
+    } else {
+        status = request.template get<Wire::kReplyStatus>();
+    }
+    return result;
+}
 
 // The request of many calls in every family: the handle alone, with the
 // common reply (wire::HandleOnly).
