@@ -167,10 +167,14 @@
 #define RYN_VB_ATTR_SLIC_TONE 41             /**< SLIC: tone played (RYN_VB_SLIC_TONE_...). */
 #define RYN_VB_ATTR_SLIC_CALLER_ID 42        /**< SLIC: the last caller identification (text). */
 #define RYN_VB_ATTR_SLIC_STATE 43            /**< SLIC: state word (RYN_VB_SLIC_STATE_...). */
+#define RYN_VB_ATTR_SLIC_CALLER_ID_FORMAT 44 /**< SLIC: caller identification message type sent (RYN_VB_CID_..._MESSAGE, settable). */
 #define RYN_VB_ATTR_CLOCK_SOURCE 40          /**< Board controls: clock source (RYN_VB_CLOCK_SOURCE_...). */
 #define RYN_VB_ATTR_CLOCK_MODE 41            /**< Board controls: clock mode (RYN_VB_CLOCK_MODE_...). */
 #define RYN_VB_ATTR_CODEC_LAW 42             /**< Board controls: codec law (RYN_VB_LAW_...). */
 #define RYN_VB_ATTR_CONSTANT_SLOTS 43        /**< Board controls: constant time slots (binary). */
+#define RYN_VB_ATTR_SAMPLE_CLOCK_RATE 44     /**< Board controls: sample clock rate (RYN_VB_SAMPLE_CLOCK_..., or N times real time; settable). */
+#define RYN_VB_ATTR_SAMPLE_CLOCK_STEP 45     /**< Board controls: runs N frames of the sample clock at once (set only). */
+#define RYN_VB_ATTR_SAMPLE_CLOCK_FRAMES 46   /**< Board controls: frames the sample clock has run. */
 #define RYN_VB_ATTR_JTAG_INSTRUCTION 40      /**< JTAG: the instruction in force. */
 #define RYN_VB_ATTR_JTAG_ENABLED 41          /**< JTAG: the port is enabled (Boolean). */
 #define RYN_VB_ATTR_HDLC_QUEUED 100          /**< HDLC: frames queued. */
@@ -300,6 +304,12 @@
 #define RYN_VB_CLOCK_MODE_FOLLOW 1u           /**< SetClocks mode: the board follows the bus clock. */
 #define RYN_VB_LAW_MU 0u                      /**< CodecSetLaw: mu-law (the start). */
 #define RYN_VB_LAW_A 1u                       /**< CodecSetLaw: A-law. */
+#define RYN_VB_SAMPLE_CLOCK_STOPPED 0u        /**< Sample clock rate: stopped; time moves only by steps. */
+#define RYN_VB_SAMPLE_CLOCK_REAL_TIME 1u      /**< Sample clock rate: real time (the start). */
+#define RYN_VB_SAMPLE_CLOCK_RATE_MAX 1000u    /**< Sample clock rate: the fastest, in times real time. */
+#define RYN_VB_SAMPLE_CLOCK_FRAME_MS 10u      /**< Sample clock: the length of one frame (tick), in ms. */
+#define RYN_VB_SAMPLE_CLOCK_STEP_MAX 360000u  /**< Sample clock: the most frames one step runs (an hour). */
+#define RYN_VB_SAMPLE_CLOCK_ENV "RYN_VB_SAMPLE_CLOCK" /**< Environment variable: the sample clock's rate at start. */
 #define RYN_VB_JTAG_RESET 0u                  /**< JTAG Control: reset the port. */
 #define RYN_VB_JTAG_ENABLE 1u                 /**< JTAG Control: enable the port (the start). */
 #define RYN_VB_JTAG_DISABLE 2u                /**< JTAG Control: disable the port. */

@@ -148,7 +148,7 @@ std::vector<uint8_t> renderAudio(Call &call, Object &block, uint32_t capacity) {
         return {};
     }
     std::vector<int16_t> samples(capacity / 2);
-    if (audio->render(block, samples)) play(call.board, block, samples);
+    if (audio->render(call.board, block, samples)) play(call.board, block, samples);
     return toLittleEndian(samples);
 }
 

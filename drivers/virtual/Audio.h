@@ -33,10 +33,10 @@ struct Audio {
     // Whether a block gives samples to the application (the audio-out
     // attribute); nullptr: none does.
     bool (*gives)(const Object &block) = nullptr;
-    // The block's next samples, into `out`. Returns true when they are the
-    // block's live output, which then also goes to the connected blocks;
-    // false when they were played already (what remains of a dial).
-    bool (*render)(Object &block, std::span<int16_t> out) = nullptr;
+    // The block's next samples, into `out`. Returns true when the block
+    // plays something (its output then goes to the connected blocks), false
+    // when it is silent.
+    bool (*render)(Board &board, Object &block, std::span<int16_t> out) = nullptr;
 };
 
 // Plays a block's output to everything connected after it.

@@ -232,7 +232,7 @@ bool givesSamples(const Object &) { return true; }
 
 // The generator's next samples; a free-running generator's are live, a
 // dialler's or sequence generator's went out with the dial or send.
-bool render(Object &block, std::span<int16_t> out) {
+bool render(Board &, Object &block, std::span<int16_t> out) {
     Generator &g = block.as<Generator>();
     if (running(block) && g.source != nullptr)
         for (int16_t &s : out) s = g.source->next();
