@@ -9,6 +9,9 @@
 
 namespace wire::g711 {
 
+// What a channel with nothing to say sends: the codes of a zero sample.
+inline constexpr uint8_t kUlawIdle = 0xFF, kAlawIdle = 0xD5;
+
 inline uint8_t ulawFromLinear(int16_t sample) {
     constexpr int kBias = 0x84, kClip = 32635;
     const int sign = sample < 0 ? 0x80 : 0;

@@ -17,7 +17,8 @@ class Board;
 struct Object;
 struct Attribute;
 
-inline constexpr size_t kFrame = 80;  // 10 ms
+inline constexpr size_t kFrame = 80;        // 10 ms
+inline constexpr int32_t kUnityGain = 256;  // gains in 1/256
 using Samples = std::span<const int16_t>;
 
 // What a family's blocks do with samples.
@@ -37,10 +38,27 @@ struct Audio {
     // plays something (its output then goes to the connected blocks), false
     // when it is silent.
     bool (*render)(Board &board, Object &block, std::span<int16_t> out) = nullptr;
+    // The gain, in 1/256, with which a block takes what `from` plays (0:
+    // the application); negative: it does not take it. nullptr: unity for
+    // every input. What reaches a block in one frame of the clock is summed
+    // at these gains.
+    int32_t (*inputGain)(const Object &block, uint32_t from) = nullptr;
 };
 
-// Plays a block's output to everything connected after it.
+// Plays a block's output to everything connected after it, at once.
 void play(Board &board, const Object &block, Samples samples);
+
+// Gives a block samples to play in time, after what it was given before,
+// and an event that comes once all of it has played (word 5..7 the values).
+void schedule(Board &board, Object &block, Samples samples);
+void scheduleEvent(Board &board, Object &block, uint32_t code, uint32_t value5 = 0, uint32_t value6 = 0,
+                   uint32_t value7 = 0);
+
+// One frame of the sample clock: every block and line that plays and is
+// connected plays its frame; a block connected to nothing lets its time
+// pass; the time slots nothing plays into send their idle or constant byte;
+// a connected block that heard nothing in the frame hears silence.
+void runFrame(Board &board);
 
 // Runs the application's samples through one block, as if they arrived
 // through a connection.

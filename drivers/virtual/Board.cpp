@@ -3,6 +3,7 @@
 #include <chrono>
 #include <stdexcept>
 
+#include "Clock.h"
 #include "Families.h"
 
 namespace vb {
@@ -17,6 +18,7 @@ Board::Board() {
     start_ = kUnixEpoch +
              static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(sinceEpoch).count()) * 10;
     buildDeviceTree(*this);
+    clock_ = std::make_unique<SampleClock>(*this, SampleClock::rateAtStart());
 }
 
 Board::~Board() = default;
@@ -121,6 +123,11 @@ std::vector<uint8_t> textValue(const std::string &text) {
     std::vector<uint8_t> value(text.begin(), text.end());
     value.push_back(0);
     return value;
+}
+
+std::vector<uint8_t> setOnly(Call &call, Object &, uint32_t capacity) {
+    if (capacity != 0) call.refusal = VB_FAILURE(kNotProvided);
+    return {};
 }
 
 std::vector<uint8_t> wordValue(uint32_t value) {

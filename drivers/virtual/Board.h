@@ -126,6 +126,24 @@ struct ObjectState {
     virtual ~ObjectState() = default;
 };
 
+// What a block was given to play in time (a dial, a sequence, a tone of a
+// set length), and the events due once it has played. The clock takes it a
+// frame at a time while the block is connected; with nothing connected its
+// time passes all the same (`aired`), the samples staying for the audio-out
+// attribute, and its events come when the time is up.
+struct Outgoing {
+    struct Mark {
+        uint64_t at;  // the event comes once this many samples have gone
+        uint32_t code, value5, value6, value7;
+    };
+    std::deque<int16_t> samples;
+    std::deque<Mark> marks;
+    uint64_t taken = 0;  // samples taken from the front, ever
+    uint64_t aired = 0;  // samples whose time passed with nothing connected (at least `taken`)
+    int16_t last = 0;    // the last sample the block gave
+    bool idle() const { return samples.empty() && marks.empty(); }
+};
+
 struct Object {
     uint32_t handle = 0;
     int32_t type = 0;
@@ -136,6 +154,8 @@ struct Object {
     uint32_t state = kStateIdle;
     uint32_t label = 0;  // attribute 5, the application's own value
     std::unique_ptr<ObjectState> data;
+    Outgoing outgoing;          // blocks that play in time
+    std::vector<int16_t> late;  // samples that reached the block after it ran in a clock frame: heard in the next
 
     // The family's state of the object. Asking for a state of another kind
     // is a fault of the board's own code: the request fails, and the state
@@ -307,6 +327,9 @@ struct Attribute {
 std::vector<uint8_t> textValue(const std::string &text);
 std::vector<uint8_t> wordValue(uint32_t value);
 
+// The getter of an attribute that is set only: it has no value to give.
+std::vector<uint8_t> setOnly(Call &call, Object &object, uint32_t capacity);
+
 // The getter of an attribute that is one 32-bit field of a family's state.
 template <typename State, uint32_t State::*Field>
 std::vector<uint8_t> fieldValue(Call &, Object &object, uint32_t) {
@@ -338,10 +361,19 @@ public:
     // Queues a whole record into one queue.
     bool queueRecord(uint32_t queueHandle, const EventData &record);
 
-    // Board time: 100-ns intervals since 1601, advanced by the blocks' sample
-    // clock on top of the host's clock at start.
+    // Board time: 100-ns intervals since 1601, the host's clock at start
+    // advanced by every frame of samples the board runs: the sample clock's,
+    // and those the audio attributes run at once.
     uint64_t now() const;
     void advance(uint64_t intervals) { offset_ += intervals; }
+
+    // The sample clock (Clock.cpp): one frame of the board's time, run by
+    // the clock's thread (under the lock) or by a step; the frames run so
+    // far; the rate in times real time (0: stopped).
+    void tick();
+    uint64_t frames() const { return frames_; }
+    uint32_t clockRate() const;
+    void setClockRate(uint32_t rate);
 
     // Logical-device and pipe connections (RynDrvConnectLogicalDevice,
     // RynDrvConnectPipe), as pairs of (handle, port).
@@ -360,6 +392,8 @@ private:
     uint32_t nextSerial_ = 1;
     uint64_t start_;
     uint64_t offset_ = 0;
+    uint64_t frames_ = 0;
+    std::unique_ptr<class SampleClock> clock_;  // last: made after the objects, stopped first
 };
 
 // The event queue of a queue object (kind 3).

@@ -2,6 +2,7 @@
 // law and the constant bytes of the time-slot switch (TSS). Every call stores
 // its values; attributes read them back.
 #include <map>
+#include <optional>
 
 #include "BoardWire.h"
 #include "Families.h"
@@ -64,16 +65,57 @@ std::vector<uint8_t> constants(Call &, Object &object, uint32_t) {
     return value;
 }
 
+// ---- The sample clock ----------------------------------------------------------
+
+// A 32-bit attribute value, or nothing when the value is not 4 bytes.
+std::optional<uint32_t> wordOf(std::span<const uint8_t> value) {
+    if (value.size() != 4) return std::nullopt;
+    return wire::le::load32(value.data());
+}
+
+std::vector<uint8_t> clockRate(Call &call, Object &, uint32_t) { return wordValue(call.board.clockRate()); }
+
+// 0 stops the clock, 1 runs it in real time, N at N times real time.
+uint32_t setClockRate(Call &call, Object &, std::span<const uint8_t> value) {
+    const auto rate = wordOf(value);
+    if (!rate || *rate > RYN_VB_SAMPLE_CLOCK_RATE_MAX) return VB_FAILURE(kOutOfRange);
+    call.board.setClockRate(*rate);
+    return 0;
+}
+
+// Runs N frames of the clock before the call returns, whatever its rate.
+uint32_t stepClock(Call &call, Object &, std::span<const uint8_t> value) {
+    const auto frames = wordOf(value);
+    if (!frames || *frames > RYN_VB_SAMPLE_CLOCK_STEP_MAX) return VB_FAILURE(kOutOfRange);
+    for (uint32_t i = 0; i < *frames; ++i) call.board.tick();
+    return 0;
+}
+
+std::vector<uint8_t> clockFrames(Call &call, Object &, uint32_t) {
+    return wordValue(static_cast<uint32_t>(call.board.frames()));
+}
+
 const Attribute kAttributes[] = {
     {RYN_VB_ATTR_CLOCK_SOURCE, RYN_VB_VALUE_UINT32, fieldValue<Controls, &Controls::clockSource>, nullptr},
     {RYN_VB_ATTR_CLOCK_MODE, RYN_VB_VALUE_UINT32, fieldValue<Controls, &Controls::clockMode>, nullptr},
     {RYN_VB_ATTR_CODEC_LAW, RYN_VB_VALUE_UINT32, fieldValue<Controls, &Controls::law>, nullptr},
     {RYN_VB_ATTR_CONSTANT_SLOTS, RYN_VB_VALUE_BINARY, constants, nullptr},
+    {RYN_VB_ATTR_SAMPLE_CLOCK_RATE, RYN_VB_VALUE_UINT32, clockRate, setClockRate},
+    {RYN_VB_ATTR_SAMPLE_CLOCK_STEP, RYN_VB_VALUE_UINT32, setOnly, stepClock},
+    {RYN_VB_ATTR_SAMPLE_CLOCK_FRAMES, RYN_VB_VALUE_UINT32, clockFrames, nullptr},
 };
 
 }  // namespace
 
 const Family kBoardFamily{"Board controls", kRows, kAttributes, makeState<Controls>};
+
+std::optional<uint8_t> constantByte(Board &board, uint32_t span, uint32_t slot) {
+    Object *controls = board.findDevice(kTypeBoard, 0);
+    if (controls == nullptr || span >= kStreams || slot >= kTimeSlots) return std::nullopt;
+    const auto &constants = controls->as<Controls>().constants;
+    const auto found = constants.find(span * kTimeSlots + slot);
+    return found != constants.end() ? std::optional<uint8_t>(found->second) : std::nullopt;
+}
 
 uint32_t codecLaw(Board &board) {
     Object *controls = board.findDevice(kTypeBoard, 0);

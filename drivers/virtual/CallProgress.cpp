@@ -54,7 +54,7 @@ signal::ToneBurst progressSource(const ProgressTone &tone) {
 }
 
 // Plays `lengthMs` of the tone at `levelDb`, burst by burst and pause by pause.
-void playCadence(Board &board, const Object &block, const ProgressTone &tone, uint32_t levelDb, uint32_t lengthMs) {
+void playCadence(Board &board, Object &block, const ProgressTone &tone, uint32_t levelDb, uint32_t lengthMs) {
     signal::ToneBurst source = progressSource(tone);
     const double scale = scaleOf(levelDb);
     if (tone.offMs == 0) return playScaled(board, block, source, scale, lengthMs);
@@ -94,7 +94,7 @@ uint32_t cptGenerateTone(Call &call) {
     const uint32_t ownLength = tone->offMs == 0 ? kDefaultSteadyLengthMs : kDefaultCycles * (tone->onMs + tone->offMs);
     const uint32_t length = generator.lengthMs != 0 ? generator.lengthMs : ownLength;
     playCadence(call.board, *call.object, *tone, generator.levelDb, length);
-    call.board.post(*call.object, kEventSequenceDone, number);
+    scheduleEvent(call.board, *call.object, kEventSequenceDone, number);
     return 0;
 }
 

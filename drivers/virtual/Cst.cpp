@@ -32,11 +32,11 @@ uint32_t presentMask(Samples frame, std::span<const double> list, double floor) 
     return mask;
 }
 
-void playScaled(Board &board, const Object &block, signal::Source &source, double scale, uint32_t ms) {
+void playScaled(Board &board, Object &block, signal::Source &source, double scale, uint32_t ms) {
     std::vector<int16_t> samples(signal::samplesOf(ms));
     for (int16_t &s : samples)
         s = static_cast<int16_t>(std::clamp(std::lround(source.next() * scale), -32768l, 32767l));
-    play(board, block, samples);
+    schedule(board, block, samples);
 }
 
 }  // namespace vb::cst

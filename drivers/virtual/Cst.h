@@ -140,7 +140,7 @@ void inFrames(Board &board, Object &block, Samples samples) {
         detector.framer.feed(samples, Length, [&](Samples frame) { OnFrame(board, block, detector, frame); });
 }
 
-// Plays the next `ms` of `source`, scaled by `scale`, from `block`.
-void playScaled(Board &board, const Object &block, signal::Source &source, double scale, uint32_t ms);
+// Gives `block` the next `ms` of `source` to play in time, scaled by `scale`.
+void playScaled(Board &board, Object &block, signal::Source &source, double scale, uint32_t ms);
 
 }  // namespace vb::cst

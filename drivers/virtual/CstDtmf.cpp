@@ -36,7 +36,7 @@ uint32_t diallerInit(Call &call) {
 }
 
 // Each digit's pair for the digit time, then the pause.
-void playDigits(Board &board, const Object &block, std::span<const uint8_t> digits, uint32_t levelDb, uint32_t onMs,
+void playDigits(Board &board, Object &block, std::span<const uint8_t> digits, uint32_t levelDb, uint32_t onMs,
                 uint32_t pauseMs) {
     const signal::DialTiming timing{signal::samplesOf(onMs), signal::samplesOf(pauseMs), 0, kOscillatorPeak,
                                     kOscillatorPeak};
@@ -63,7 +63,7 @@ uint32_t dtmfDial(Call &call) {
     if (!std::all_of(digits.begin(), digits.end(), [](uint8_t key) { return signal::dtmfPair(key).has_value(); }))
         return VB_FAILURE(kOutOfRange);
     playDigits(call.board, *call.object, digits, dialler.levelDb, *onMs, *pauseMs);
-    call.board.post(*call.object, kEventDialDone, count);
+    scheduleEvent(call.board, *call.object, kEventDialDone, count);
     return 0;
 }
 

@@ -8,7 +8,7 @@ namespace {
 
 using namespace cst;
 
-constexpr uint32_t kUnityGain = 256, kLargestGain = 4096;  // gains in 1/256
+constexpr uint32_t kLargestGain = 4096;  // gains in 1/256, as kUnityGain
 
 struct PassThrough : Block {
     uint32_t gain = kUnityGain;
@@ -65,18 +65,16 @@ uint32_t mixerInitEx(Call &call) {
     return 0;
 }
 
-// What reaches the mixer from `from` (0: the application).
-bool mix(const VoiceMixer &mixer, Samples frame, uint32_t from, std::vector<int16_t> &out) {
-    if (mixer.inputs.empty()) {
-        scale(frame, mixer.gain, out);
-        return true;
-    }
+// The gain with which the mixer takes what `from` plays (0: the
+// application): its own for a listed input, none for another; unity for
+// everything while none is listed. The audio path sums the inputs.
+int32_t inputGain(const Object &block, uint32_t from) {
+    if (block.type != kVoiceMixer) return static_cast<int32_t>(kUnityGain);
+    const auto &mixer = block.as<VoiceMixer>();
+    if (mixer.inputs.empty()) return static_cast<int32_t>(kUnityGain);
     const auto input = std::find(mixer.inputs.begin(), mixer.inputs.end(), from);
-    if (input == mixer.inputs.end()) return false;  // not one of the inputs mixed
-    std::vector<int16_t> own;
-    scale(frame, mixer.inputGains[static_cast<size_t>(input - mixer.inputs.begin())], own);
-    scale(own, mixer.gain, out);
-    return true;
+    if (input == mixer.inputs.end()) return -1;  // not one of the inputs mixed
+    return mixer.inputGains[static_cast<size_t>(input - mixer.inputs.begin())];
 }
 
 // ---- Echo canceller -----------------------------------------------------------
@@ -108,15 +106,14 @@ constexpr Row kRows[] = {
 
 bool takes(const Object &) { return true; }
 
-bool arrive(Board &, Object &block, Samples frame, uint32_t from, std::vector<int16_t> &out) {
+bool arrive(Board &, Object &block, Samples frame, uint32_t, std::vector<int16_t> &out) {
     const auto &state = block.as<PassThrough>();
     if (state.setUp == kNotSetUp) return false;
-    if (block.type == kVoiceMixer) return mix(block.as<VoiceMixer>(), frame, from, out);
     scale(frame, state.gain, out);
     return true;
 }
 
-constexpr Audio kAudio{takes, arrive};
+constexpr Audio kAudio{takes, arrive, nullptr, nullptr, inputGain};
 
 }  // namespace
 

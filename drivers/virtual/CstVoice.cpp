@@ -1,5 +1,7 @@
 // The telephony voice activity detector (type 121) and comfort noise
 // generator (type 123).
+#include <cmath>
+
 #include "Cst.h"
 
 namespace vb {
@@ -85,17 +87,30 @@ constexpr uint32_t kDefaultNoiseDb = 60;
 
 struct ComfortNoise : Block {
     uint32_t levelDb = kDefaultNoiseDb;
+    std::optional<signal::EffectSource> noise;  // made by the set-up
 };
 
-// param1: noise level in dB below full scale (0: 60; 1..90). The board has no
-// free-running sample clock, so the block keeps its level and plays nothing.
+// param1: noise level in dB below full scale (0: 60; 1..90). Once set up,
+// the block plays white noise of that mean power in every frame.
 uint32_t comfortNoiseInit(Call &call) {
     const auto level = setting(call.in.u32(ComfortNoiseGeneratorInit::kParam1), kDefaultNoiseDb, 1, kLowestFloorDb);
     if (!level) return VB_FAILURE(kOutOfRange);
     auto &noise = call.object->as<ComfortNoise>();
     noise.levelDb = *level;
+    // White noise uniform within ±peak has the mean power peak² / 3.
+    const double peak = std::min(std::sqrt(3.0 * meanPowerFloor(*level)), 32767.0);
+    noise.noise.emplace(signal::Effect::Noise, static_cast<int16_t>(std::lround(peak)), 0);
     noise.setUp = kBasicSetUp;
     return 0;
+}
+
+bool makesNoise(const Object &block) { return block.type == kComfortNoiseGenerator; }
+
+bool playNoise(Board &, Object &block, std::span<int16_t> out) {
+    auto &noise = block.as<ComfortNoise>();
+    if (!noise.noise || !running(block)) return false;
+    for (int16_t &s : out) s = noise.noise->next();
+    return true;
 }
 
 constexpr Row kRows[] = {
@@ -105,7 +120,8 @@ constexpr Row kRows[] = {
     row<VoiceActivityDetectorInitEx>(only<kVoiceActivityDetector, voiceInitEx>),
 };
 
-constexpr const Audio &kAudio = kListening<kVoiceActivityDetector, inFrames<VoiceActivity, kVoiceFrame, voiceFrame>>;
+constexpr const Audio &kDetector = kListening<kVoiceActivityDetector, inFrames<VoiceActivity, kVoiceFrame, voiceFrame>>;
+constexpr Audio kAudio{kDetector.takes, kDetector.arrive, makesNoise, playNoise};
 
 }  // namespace
 

@@ -57,6 +57,7 @@ std::span<const Attribute> attributesOf(const Object &object) {
 
 void resetState(Board &board, Object &object) {
     const Family &family = *object.family;
+    object.outgoing = {};
     if (family.reset != nullptr) return family.reset(board, object);
     object.data = family.newState != nullptr ? family.newState(object) : nullptr;
 }

@@ -29,6 +29,9 @@ struct Family {
     // family makes none), and what they do with samples (nullptr: nothing).
     bool (*makesBlock)(int32_t type) = nullptr;
     const Audio *audio = nullptr;
+    // What an object does in each frame of the sample clock beside its
+    // audio (nullptr: nothing).
+    void (*tick)(Board &board, Object &object) = nullptr;
 };
 
 // The state maker of a family whose objects all keep one struct.

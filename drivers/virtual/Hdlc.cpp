@@ -44,9 +44,10 @@
 // are refused with error 9. It applies to frames sent with the field only.
 // Dropped units are counted in attribute 106.
 //
-// Repeated block. RynHdlcStartRepeatData (1 to 9 bytes) stores the block and
-// loops it back once per start (one sent/received event pair); a start while
-// repeating replaces the block. RynHdlcStopRepeatData ends it and is refused
+// Repeated block. RynHdlcStartRepeatData (1 to 9 bytes) stores the block,
+// loops it back at once and again in every frame of the sample clock (10 ms
+// of board time), each time with its sent/received event pair, until it
+// stops; a start while repeating replaces the block. RynHdlcStopRepeatData ends it and is refused
 // with error 13 when nothing repeats. RynHdlcSenderFlush ends repeated
 // sending too: frames leave at once, so the block is all a sender holds.
 //
@@ -340,8 +341,17 @@ const Attribute kAttributes[] = {
     {RYN_VB_ATTR_HDLC_FILTERED, RYN_VB_VALUE_UINT32, fieldValue<HdlcChannel, &HdlcChannel::filtered>, nullptr},
 };
 
+// A repeating sender sends its block again in every frame of the clock.
+void repeat(Board &board, Object &object) {
+    const HdlcChannel &channel = channelOf(object);
+    if (!channel.repeating || !channel.senderReady || channel::disabled(object)) return;
+    Frame frame;
+    frame.data = channel.repeatBlock;
+    loopBack(board, object, std::move(frame));
+}
+
 }  // namespace
 
-const Family kHdlcFamily{"HDLC channel", kHdlc, kAttributes, makeState<HdlcChannel>};
+const Family kHdlcFamily{"HDLC channel", kHdlc, kAttributes, makeState<HdlcChannel>, nullptr, nullptr, nullptr, repeat};
 
 }  // namespace vb

@@ -7,6 +7,7 @@
 // cable, loops, transmitters and frame sync), each slot its own channel.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "Board.h"
@@ -15,6 +16,10 @@ namespace vb {
 
 // The board's codec law (RynBrdCodecSetLaw): RYN_VB_LAW_MU or RYN_VB_LAW_A.
 uint32_t codecLaw(Board &board);
+
+// The constant byte a time slot of a span sends (TssConstByte: stream n is
+// span n), if one was set.
+std::optional<uint8_t> constantByte(Board &board, uint32_t span, uint32_t slot);
 
 // Whether a time slot carries voice in the span's mode: T1 1..24, E1 1..15
 // and 17..31.

@@ -4,9 +4,11 @@
 // generator's oscillator coefficients and starting samples); the signal
 // processing itself is in Signal.cpp.
 //
-// A dial or sequence send plays its whole string at once to the connected
-// blocks and keeps it for the audio-out attribute; the free-running
-// generators play only when the application renders their output.
+// A dial or sequence plays in time: the sample clock takes it frame by frame
+// while the block is connected, and its event comes after its last frame.
+// A block connected to nothing keeps what it was given for the audio-out
+// attribute, its event coming when the dial's time has passed. A running
+// free-running generator plays in every frame while it is connected.
 #include <algorithm>
 #include <optional>
 
@@ -37,8 +39,6 @@ constexpr DialDefaults kMfDial{68, 68, 100};  // KP longer
 
 struct Generator : ObjectState {
     std::unique_ptr<signal::Source> source;  // none: silence
-    bool recorded = false;                   // plays back what a dial or send has already played
-    int16_t last = 0;
     signal::DialTiming timing{};
     uint32_t hold = 1;
 };
@@ -60,11 +60,7 @@ std::unique_ptr<ObjectState> newGenerator(const Object &block) {
 
 Generator &generatorOf(Call &call) { return call.object->as<Generator>(); }
 
-void setSource(Call &call, std::unique_ptr<signal::Source> source) {
-    Generator &g = generatorOf(call);
-    g.source = std::move(source);
-    g.recorded = false;
-}
+void setSource(Call &call, std::unique_ptr<signal::Source> source) { generatorOf(call).source = std::move(source); }
 
 // ---- Free-running generators ------------------------------------------------
 
@@ -153,16 +149,11 @@ uint32_t mfDiallerInit(Call &call) {
     return 0;
 }
 
-// Plays what a dial or send produced, keeps it for the audio-out attribute
-// and posts the block's event (word 5: the count of digits or entries).
-uint32_t perform(Call &call, std::vector<int16_t> samples, uint32_t event, uint32_t count) {
-    Object &block = *call.object;
-    play(call.board, block, samples);
-    Generator &g = generatorOf(call);
-    if (!samples.empty()) g.last = samples.back();
-    g.source = std::make_unique<signal::Playback>(std::move(samples));
-    g.recorded = true;
-    call.board.post(block, event, count);
+// Plays what a dial or send produced, after what the block still plays, and
+// then posts the block's event (word 5: the count of digits or entries).
+uint32_t perform(Call &call, const std::vector<int16_t> &samples, uint32_t event, uint32_t count) {
+    schedule(call.board, *call.object, samples);
+    scheduleEvent(call.board, *call.object, event, count);
     return 0;
 }
 
@@ -208,7 +199,7 @@ uint32_t sequenceSend(Call &call) {
 
 // The last sample the generator produced.
 uint32_t readValue(Call &call) {
-    call.out.u16(ReadVal::kReplyValue, static_cast<uint16_t>(generatorOf(call).last));
+    call.out.u16(ReadVal::kReplyValue, static_cast<uint16_t>(call.object->outgoing.last));
     return 0;
 }
 
@@ -230,14 +221,12 @@ constexpr Row kRows[] = {
 
 bool givesSamples(const Object &) { return true; }
 
-// The generator's next samples; a free-running generator's are live, a
-// dialler's or sequence generator's went out with the dial or send.
+// A running free-running generator's next samples.
 bool render(Board &, Object &block, std::span<int16_t> out) {
     Generator &g = block.as<Generator>();
-    if (running(block) && g.source != nullptr)
-        for (int16_t &s : out) s = g.source->next();
-    if (!out.empty()) g.last = out.back();
-    return !g.recorded;
+    if (!running(block) || g.source == nullptr) return false;
+    for (int16_t &s : out) s = g.source->next();
+    return true;
 }
 
 constexpr Audio kAudio{nullptr, nullptr, givesSamples, render};  // generators take no samples

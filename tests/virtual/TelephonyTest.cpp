@@ -127,8 +127,13 @@ TEST_F(VirtualBoardTest, CallProgressTonesAreRecognisedInOrder) {
     const int16_t hangover300[13] = {13, 0, 300};  // longer than the reorder tone's pauses, shorter than busy's
     ASSERT_EQ(RynCstVoiceActivityDetectorInitEx(voice, hangover300, 0), 0u);
 
-    for (uint32_t tone : {RYN_VB_CPT_BUSY, RYN_VB_CPT_DIAL, RYN_VB_CPT_RINGBACK, RYN_VB_CPT_REORDER}) {
+    // Each tone plays two cadence cycles (a steady one a second), one after the other.
+    for (const auto &[tone, ms] : {std::pair{RYN_VB_CPT_BUSY, 2000u},
+                                   {RYN_VB_CPT_DIAL, 1000u},
+                                   {RYN_VB_CPT_RINGBACK, 12000u},
+                                   {RYN_VB_CPT_REORDER, 1000u}}) {
         ASSERT_EQ(RynCstCptGenerateTone(generator, tone), 0u);
+        run(ms);
         EXPECT_EQ(got(RynCstCptDetectorStatus, detector), tone);
     }
     EXPECT_EQ(tones.drain(RYN_VB_EVENT_CALL_PROGRESS),
@@ -139,6 +144,7 @@ TEST_F(VirtualBoardTest, CallProgressTonesAreRecognisedInOrder) {
     // Nine seconds of silence: the tone has ended.
     ASSERT_EQ(RynCstCptGeneratorInit(generator, 0, 9000), 0u);
     ASSERT_EQ(RynCstCptGenerateTone(generator, 0), 0u);
+    run(9000);
     EXPECT_EQ(tones.drain(RYN_VB_EVENT_TONE_ENDED), (Values{{RYN_VB_CPT_REORDER, 0}}));
     EXPECT_EQ(voices.drain(RYN_VB_EVENT_SILENCE).size(), 1u);
     EXPECT_EQ(got(RynCstCptDetectorStatus, detector), 0u);
@@ -159,6 +165,7 @@ TEST_F(VirtualBoardTest, ToneTablesOfTheApplicationReplaceTheBuiltInTones) {
     ASSERT_EQ(RynCstCptGeneratorInit(generator, 0, 0), 0u);
     for (uint32_t tone : {RYN_VB_CPT_BUSY, RYN_VB_CPT_RINGBACK, RYN_VB_CPT_DIAL})
         ASSERT_EQ(RynCstCptGenerateTone(generator, tone), 0u);
+    run(20000);
     EXPECT_EQ(tones.drain(RYN_VB_EVENT_CALL_PROGRESS), (Values{{9, 0}}));
 }
 
@@ -181,6 +188,7 @@ TEST_F(VirtualBoardTest, DialledDigitsReachTheDtmfDetector) {
     ASSERT_EQ(RynCstEchoCancelInit(echo, 0, 0), 0u);
     ASSERT_EQ(RynCstDtmfDetectorInit(detector, 0, 0), 0u);
     ASSERT_EQ(RynCstDtmfDial(dialler, "1559#*0d", 8, 0, 0), 0u);
+    run(1500);
     Values expected;
     for (char key : std::string("1559#*0D")) expected.emplace_back(static_cast<uint8_t>(key), 0);
     EXPECT_EQ(digits.drain(RYN_VB_EVENT_DTMF_DIGIT), expected);
@@ -189,6 +197,7 @@ TEST_F(VirtualBoardTest, DialledDigitsReachTheDtmfDetector) {
     // Digits too short for the detector's shortest digit go unnoticed.
     ASSERT_EQ(RynCstDtmfDetectorInit(detector, 100, 0), 0u);
     ASSERT_EQ(RynCstDtmfDial(dialler, "7", 1, 60, 0), 0u);
+    run(200);
     EXPECT_TRUE(digits.drain(RYN_VB_EVENT_DTMF_DIGIT).empty());
 }
 
@@ -208,6 +217,7 @@ TEST_F(VirtualBoardTest, MixerPassesOnItsInputsAtTheirGains) {
     EventListener digits(detector);
     for (const auto &[dialler, key] : {std::pair(listed, "1"), {muted, "2"}, {other, "3"}})
         ASSERT_EQ(RynCstDtmfDial(dialler, key, 1, 0, 0), 0u);
+    run(300);  // the three play at once, and the mixer sums them at their gains
     EXPECT_EQ(digits.drain(RYN_VB_EVENT_DTMF_DIGIT), (Values{{'1', 0}}));  // muted and unlisted inputs are not heard
 }
 

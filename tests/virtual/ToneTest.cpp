@@ -67,6 +67,9 @@ TEST_F(ToneTest, DiallersReachTheirDetectorsDigitByDigit) {
         EventListener heard(detector), done(dialler);
         const auto dial = c.dialler == RYN_VB_BLOCK_DTMF_DIALLER ? RynToneDtmfDial : RynToneMfDial;
         ASSERT_EQ(dial(dialler, c.digits.data(), int32_t(c.digits.size()), 0, 0), 0u);
+        run(500);  // the dial takes its time: not all of it has played by now
+        EXPECT_EQ(done.reported(RYN_VB_EVENT_DIALLING_FINISHED).size(), 0u);
+        run(1500);
         EXPECT_EQ(heard.reported(c.event), c.digits);
         EXPECT_EQ(done.reported(RYN_VB_EVENT_DIALLING_FINISHED).size(), 1u);
         EXPECT_EQ(

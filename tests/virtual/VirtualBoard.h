@@ -40,9 +40,28 @@ inline std::string text(DeviceHandle handle, int32_t id) {
     return value;
 }
 
+// The board's sample clock: stopped, or running at `rate` times real time.
+inline void setClock(uint32_t rate) {
+    DeviceHandle board = 0;
+    ASSERT_EQ(RynDrvGetDeviceHandle(0, RYN_VB_DEVICE_BOARD, 0, &board), 0u);
+    ASSERT_EQ(RynDrvSetAttributeValueUint32(board, RYN_VB_ATTR_SAMPLE_CLOCK_RATE, rate), 0u);
+}
+// Runs the clock for `ms` of board time (whole frames) before returning.
+inline void run(uint32_t ms) {
+    DeviceHandle board = 0;
+    ASSERT_EQ(RynDrvGetDeviceHandle(0, RYN_VB_DEVICE_BOARD, 0, &board), 0u);
+    const uint32_t frames = (ms + RYN_VB_SAMPLE_CLOCK_FRAME_MS - 1) / RYN_VB_SAMPLE_CLOCK_FRAME_MS;
+    ASSERT_EQ(RynDrvSetAttributeValueUint32(board, RYN_VB_ATTR_SAMPLE_CLOCK_STEP, frames), 0u);
+}
+
+// Each test starts with a fresh board whose clock stands still: time moves
+// when the test runs it.
 class VirtualBoardTest : public ::testing::Test {
 protected:
-    void SetUp() override { ASSERT_EQ(RynDrvConnectLib(), 0u); }
+    void SetUp() override {
+        ASSERT_EQ(RynDrvConnectLib(), 0u);
+        setClock(RYN_VB_SAMPLE_CLOCK_STOPPED);
+    }
     void TearDown() override { RynDrvReleaseLib(); }
 
     // The handle of the board's device `id` of `type`.
@@ -54,7 +73,8 @@ protected:
     // A block of `type` created on DSP `dsp`.
     static DeviceHandle block(int32_t type, uint32_t dsp = 0) {
         DeviceHandle handle = 0;
-        EXPECT_EQ(RynDrvCreateLogicalDevice(device(RYN_VB_DEVICE_DSP, dsp), type, 0, 0, &handle), 0u) << "block type " << type;
+        EXPECT_EQ(RynDrvCreateLogicalDevice(device(RYN_VB_DEVICE_DSP, dsp), type, 0, 0, &handle), 0u)
+            << "block type " << type;
         return handle;
     }
 };

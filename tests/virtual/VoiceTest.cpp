@@ -49,14 +49,17 @@ TEST_F(VirtualBoardTest, VoiceCrossesTheSpansOnItsTimeSlot) {
         ASSERT_EQ(RynDrvConnectLogicalDevice(sending, 0, echo, 0), 0u);     // and the near slot another
         EventListener farDigits(heard), nearDigits(echo);
         ASSERT_EQ(RynToneDtmfDial(dialler, "1234#", 5, 0, 0), 0u);
+        run(1000);
         EXPECT_EQ(farDigits.reported(RYN_VB_EVENT_DTMF_DIGIT, 1), c.far) << c.what;
         EXPECT_EQ(nearDigits.reported(RYN_VB_EVENT_DTMF_DIGIT, 1), c.near) << c.what;
         // Undone and done again: the pipe leaves the slot and keeps its detector.
         ASSERT_EQ(RynDrvDisconnectPipe(receiving, 0), 0u);
         ASSERT_EQ(RynToneDtmfDial(dialler, "9", 1, 0, 0), 0u);
+        run(200);
         EXPECT_EQ(farDigits.reported(RYN_VB_EVENT_DTMF_DIGIT, 1), "") << c.what;
         ASSERT_EQ(RynDrvConnectPipe(receiving, 0, far, c.hearSlot, nullptr, 0), 0u);
         ASSERT_EQ(RynToneDtmfDial(dialler, "9", 1, 0, 0), 0u);
+        run(200);
         EXPECT_EQ(farDigits.reported(RYN_VB_EVENT_DTMF_DIGIT, 1), c.far[0] != '\0' ? "9" : "") << c.what;
         nearDigits.reported(RYN_VB_EVENT_DTMF_DIGIT, 1);
         for (DeviceHandle object : {dialler, heard, echo, sending, receiving}) RynDrvClose(object);
