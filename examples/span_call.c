@@ -67,16 +67,15 @@ static int slot_pipe(DeviceHandle span, DeviceHandle *pipe)
 }
 
 /* A sine-wave generator sending `hertz` on the slot, and a detector of
- * `hertz` hearing the other side: the tone is played (200 ms rendered) and
- * the detector must report it. */
+ * `hertz` hearing the other side. Once set up and connected, the generator
+ * plays on the board's sample clock: the application only waits for the
+ * detector's event. */
 static int exchange_tone(DeviceHandle dsp, DeviceHandle send_pipe, DeviceHandle hear_pipe, double hertz,
                          DeviceHandle queue, OsaHandle event)
 {
     DeviceHandle generator = 0, detector = 0;
     const SineToneParams tone = {hertz, -6.0, 0.0};
     const uint32_t frequency = (uint32_t)hertz;
-    int16_t samples[1600];
-    uint32_t returned = 0;
     EventData record;
     int good = check("create a generator", RynDrvCreateLogicalDevice(dsp, RYN_VB_BLOCK_SINE_WAVE_GENERATOR, 0, 0,
                                                                    &generator)) &&
@@ -84,10 +83,8 @@ static int exchange_tone(DeviceHandle dsp, DeviceHandle send_pipe, DeviceHandle 
                                                                        0, 0, &detector)) &&
                check("set up the generator", RynToneSineWaveGeneratorInit(generator, 0, &tone, 1, 0)) &&
                check("set up the detector", RynToneSingleDetectorInit(detector, 0, &frequency, 1, 0, 0, 0)) &&
-               check("the generator sends on the slot", RynDrvConnectLogicalDevice(generator, 0, send_pipe, 0)) &&
                check("the detector hears the slot", RynDrvConnectLogicalDevice(hear_pipe, 0, detector, 0)) &&
-               check("play the tone", RynDrvGetAttributeValue(generator, RYN_VB_ATTR_AUDIO_OUT, samples,
-                                                              sizeof samples, &returned));
+               check("the generator sends on the slot", RynDrvConnectLogicalDevice(generator, 0, send_pipe, 0));
     if (good) {
         good = next_event(queue, event, RYN_VB_EVENT_TONE_DETECTED, detector, &record);
         printf("  %.0f Hz tone %s\n", hertz, good ? "heard across the span" : "NOT heard");

@@ -41,21 +41,30 @@ void BM_DtmfDetectorSecond(benchmark::State &state) {
     std::vector<int16_t> second(8000);
     for (size_t n = 0; n < second.size(); ++n)
         if (n % 1120 < 560)
-            second[n] = static_cast<int16_t>(2000 * (std::sin(2 * M_PI * 770 * n / 8000.0) +
-                                                     std::sin(2 * M_PI * 1336 * n / 8000.0)));
+            second[n] = static_cast<int16_t>(
+                2000 * (std::sin(2 * M_PI * 770 * n / 8000.0) + std::sin(2 * M_PI * 1336 * n / 8000.0)));
     for (auto _ : state)
-        RynDrvSetAttributeValue(detector, RYN_VB_ATTR_AUDIO_IN, second.data(), static_cast<uint32_t>(second.size() * 2));
+        RynDrvSetAttributeValue(detector, RYN_VB_ATTR_AUDIO_IN, second.data(),
+                                static_cast<uint32_t>(second.size() * 2));
     state.counters["audio_seconds_per_second"] =
         benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
 }
 BENCHMARK(BM_DtmfDetectorSecond)->Unit(benchmark::kMicrosecond);
 
-// "1234#" dialled into a connected detector: synthesis and detection of 0.8 s.
+// "1234#" dialled into a connected detector: synthesis and detection of
+// 0.8 s, the sample clock stopped and stepped through the dial's 80 frames.
 void BM_DialIntoDetector(benchmark::State &state) {
     Connection connection;
-    const DeviceHandle dialler = connection.block(RYN_VB_BLOCK_DTMF_DIALLER), detector = connection.block(RYN_VB_BLOCK_DTMF_DETECTOR);
+    const DeviceHandle dialler = connection.block(RYN_VB_BLOCK_DTMF_DIALLER),
+                       detector = connection.block(RYN_VB_BLOCK_DTMF_DETECTOR);
+    DeviceHandle board = 0;
+    RynDrvGetDeviceHandle(0, RYN_VB_DEVICE_BOARD, 0, &board);
+    RynDrvSetAttributeValueUint32(board, RYN_VB_ATTR_SAMPLE_CLOCK_RATE, RYN_VB_SAMPLE_CLOCK_STOPPED);
     RynDrvConnectLogicalDevice(dialler, 0, detector, 0);
-    for (auto _ : state) RynToneDtmfDial(dialler, "1234#", 5, 0, 0);
+    for (auto _ : state) {
+        RynToneDtmfDial(dialler, "1234#", 5, 0, 0);
+        RynDrvSetAttributeValueUint32(board, RYN_VB_ATTR_SAMPLE_CLOCK_STEP, 80);
+    }
 }
 BENCHMARK(BM_DialIntoDetector)->Unit(benchmark::kMicrosecond);
 
