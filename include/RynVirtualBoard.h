@@ -148,7 +148,7 @@
 #define RYN_VB_ATTR_NAME 3                   /**< Every object: name (text). */
 #define RYN_VB_ATTR_STATE 4                  /**< Every object: state (RYN_VB_STATE_...). */
 #define RYN_VB_ATTR_LABEL 5                  /**< Every object: the application's own value (settable). */
-#define RYN_VB_ATTR_AUDIO_OUT 30             /**< Generators and diallers: their next samples (binary). */
+#define RYN_VB_ATTR_AUDIO_OUT 30             /**< Generators, diallers, comfort noise and the lines: their next samples (binary). */
 #define RYN_VB_ATTR_AUDIO_IN 31              /**< Detectors, sampler, telephony sinks: samples to run (binary, settable). */
 #define RYN_VB_ATTR_DSP_TYPE 32              /**< DSP: DSP type (RYN_VB_DSP_TYPE_...). */
 #define RYN_VB_ATTR_DSP_MODULE 33            /**< DSP: module of the started program, or RYN_VB_DSP_NO_MODULE. */

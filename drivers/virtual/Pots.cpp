@@ -5,9 +5,18 @@
 // kEventHookChanged (value 5: 1 off hook, 0 on hook), kEventRingStarted and
 // kEventRingStopped (value 5: 0 the ringing ended, 1 answered by going off
 // hook).
+//
+// The line's audio is what the exchange plays to the board, rendered
+// through the audio-out attribute (and by the board clock, for a line
+// joined to a pipe): dial tone while the line is off hook and nothing has
+// been dialled, ring-back once digits have been dialled (from the first
+// digit, or from the first after a flash, which brings dial tone back),
+// silence on hook. A tone's cadence runs from the first sample rendered
+// after it began; the line keeps time by the samples rendered.
 #include <string>
 
 #include "Families.h"
+#include "LineAudio.h"
 #include "PotsWire.h"
 
 namespace vb {
@@ -25,6 +34,9 @@ struct Line : ObjectState {
     uint32_t mode = RYN_VB_POTS_IMPEDANCE_600_OHM;
     uint32_t flashes = 0;  // since the line went off hook
     std::string dialled;   // digits pulse-dialled since the line went off hook
+    // Audio: the line's time in samples rendered, the tone heard and since when.
+    uint64_t now = 0, heardFrom = 0;
+    const exchange::Tone *heard = nullptr;
 };
 
 Line &lineOf(Call &call) { return call.object->as<Line>(); }
@@ -123,8 +135,34 @@ const Attribute kAttributes[] = {
     {RYN_VB_ATTR_POTS_FLASHES, RYN_VB_VALUE_UINT32, flashesValue, nullptr},  // since going off hook
 };
 
+// ---- Audio ------------------------------------------------------------------
+
+const exchange::Tone *exchangeTone(const Line &line) {
+    if (!line.offHook) return nullptr;
+    return line.dialled.empty() ? &exchange::kDialTone : &exchange::kRingBackTone;
+}
+
+bool givesSamples(const Object &) { return true; }
+
+// What the exchange plays; the line plays while it is off hook.
+bool render(Board &, Object &object, std::span<int16_t> out) {
+    Line &line = object.as<Line>();
+    const exchange::Tone *tone = exchangeTone(line);
+    if (tone != line.heard) {
+        line.heard = tone;
+        line.heardFrom = line.now;
+    }
+    for (int16_t &sample : out) {
+        sample = tone != nullptr ? exchange::toneSample(*tone, line.now - line.heardFrom) : 0;
+        ++line.now;
+    }
+    return tone != nullptr;
+}
+
+constexpr Audio kAudio{nullptr, nullptr, givesSamples, render};  // the line takes no samples
+
 }  // namespace
 
-const Family kPotsFamily{"POTS line", kRows, kAttributes, makeState<Line>};
+const Family kPotsFamily{"POTS line", kRows, kAttributes, makeState<Line>, nullptr, nullptr, &kAudio};
 
 }  // namespace vb

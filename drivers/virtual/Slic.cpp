@@ -8,9 +8,29 @@
 // The calls with a value reply answer the line's state word of
 // RYN_VB_SLIC_STATE_... bits: handset off hook, ringing, audio path on, SLIC
 // held in reset.
+//
+// The line's audio is what it carries to the set, rendered through the
+// audio-out attribute (and by the board clock, for a line joined to a
+// pipe): the tone, the ringing and, in the ringing's pauses, caller
+// identification. The line keeps time by the samples rendered: a tone's
+// cadence runs from the moment it was enabled, the ringing's from the
+// moment it started.
+//
+// A caller identification message (SendCallerID) goes out once, as Bell
+// 202 FSK in a pause of the ringing, 500 ms after the ring before it: after
+// the first ring when it was given before ringing started or during the
+// first ring, else in the next pause that is still to come. A line that does
+// not ring keeps the message until it rings. Ringing that stops (stopped,
+// answered, reset) before the message has gone out drops it, since the call
+// it announced is over, and cuts off a burst being sent; a reset drops it
+// too. A later SendCallerID replaces a message still waiting.
+#include <cstring>
+#include <iterator>
+#include <optional>
 #include <string>
 
 #include "Families.h"
+#include "LineAudio.h"
 #include "SlicWire.h"
 
 namespace vb {
@@ -34,6 +54,12 @@ struct Line : ObjectState {
     uint32_t tone = kNoTone;
     uint32_t disconnect = 0;  // the last disconnect signal, 0 none yet
     std::string name, number, callerId;
+    uint32_t callerIdFormat = RYN_VB_CID_MULTIPLE_MESSAGE;
+    // Audio: the line's time in samples rendered, and when the tone and the
+    // ringing began.
+    uint64_t now = 0, toneFrom = 0, ringFrom = 0;
+    std::vector<uint8_t> callerIdWaiting;               // a message not sent yet
+    std::optional<signal::FskTransmitter> callerIdFsk;  // the one being sent
 };
 
 Line &lineOf(Call &call) { return call.object->as<Line>(); }
@@ -47,6 +73,8 @@ void stopRinging(Board &board, Object &object, uint32_t why) {
     Line &line = object.as<Line>();
     if (!line.ringing) return;
     line.ringing = false;
+    line.callerIdWaiting.clear();
+    line.callerIdFsk.reset();
     board.post(object, kEventRingStopped, why);
 }
 
@@ -68,6 +96,7 @@ uint32_t setResetPin(Call &call) {
         stopRinging(call.board, *call.object, kStoppedByReset);
         line.tone = kNoTone;
         line.audio = false;
+        line.callerIdWaiting.clear();
     }
     return 0;
 }
@@ -79,6 +108,7 @@ uint32_t tone(Call &call) {
     Line &line = lineOf(call);
     if (line.inReset) return VB_FAILURE(kFailed);
     line.tone = T;
+    line.toneFrom = line.now;
     return 0;
 }
 
@@ -93,6 +123,7 @@ uint32_t startRing(Call &call) {
     if (line.inReset || line.offHook) return VB_FAILURE(kFailed);
     if (line.ringing) return 0;
     line.ringing = true;
+    line.ringFrom = line.now;
     line.tone = kNoTone;
     call.board.post(*call.object, kEventRingStarted);
     return 0;
@@ -146,13 +177,16 @@ uint32_t setPhoneNumber(Call &call) {
     return 0;
 }
 
-// The message goes out as "MMDDhhmm number name", kept as attribute 42.
+// The message is kept as "MMDDhhmm number name" (attribute 42), and its
+// bytes, in the format of attribute 44, wait for a pause in the ringing.
 uint32_t sendCallerId(Call &call) {
     const std::string stamp = fieldText(call, SendCallerId::kStamp, SendCallerId::kStampLength);
     if (stamp.size() != SendCallerId::kStampLength || !digitsOnly(stamp)) return VB_FAILURE(kMalformed);
     Line &line = lineOf(call);
     if (line.inReset) return VB_FAILURE(kFailed);
     line.callerId = stamp + " " + line.number + " " + line.name;
+    line.callerIdWaiting =
+        exchange::callerIdMessage(static_cast<uint8_t>(line.callerIdFormat), stamp, line.number, line.name);
     return 0;
 }
 
@@ -199,15 +233,77 @@ std::vector<uint8_t> toneValue(Call &, Object &object, uint32_t) { return wordVa
 std::vector<uint8_t> callerIdValue(Call &, Object &object, uint32_t) { return textValue(object.as<Line>().callerId); }
 std::vector<uint8_t> stateValue(Call &, Object &object, uint32_t) { return wordValue(stateWord(object.as<Line>())); }
 
+// The message type of the caller identifications sent from now on.
+uint32_t setCallerIdFormat(Call &, Object &object, std::span<const uint8_t> value) {
+    uint32_t word = 0;
+    if (value.size() == 4) std::memcpy(&word, value.data(), 4);
+    if (word != RYN_VB_CID_SINGLE_MESSAGE && word != RYN_VB_CID_MULTIPLE_MESSAGE) return VB_FAILURE(kOutOfRange);
+    object.as<Line>().callerIdFormat = word;
+    return 0;
+}
+
 const Attribute kAttributes[] = {
     {RYN_VB_ATTR_SLIC_HANDSET, RYN_VB_VALUE_BOOLEAN, handsetValue, setHandset},
     {RYN_VB_ATTR_SLIC_TONE, RYN_VB_VALUE_UINT32, toneValue, nullptr},
     {RYN_VB_ATTR_SLIC_CALLER_ID, RYN_VB_VALUE_TEXT, callerIdValue, nullptr},  // the last one sent
     {RYN_VB_ATTR_SLIC_STATE, RYN_VB_VALUE_UINT32, stateValue, nullptr},
+    {RYN_VB_ATTR_SLIC_CALLER_ID_FORMAT, RYN_VB_VALUE_UINT32, fieldValue<Line, &Line::callerIdFormat>,
+     setCallerIdFormat},
 };
+
+// ---- Audio ------------------------------------------------------------------
+
+// The tones by their number, none first.
+constexpr const exchange::Tone *kTones[] = {nullptr,
+                                            &exchange::kDialTone,
+                                            &exchange::kBusyTone,
+                                            &exchange::kReorderTone,
+                                            &exchange::kCongestionTone,
+                                            &exchange::kRingBackTone};
+static_assert(kNoTone == 0 && kRingBackTone == std::size(kTones) - 1);
+
+const exchange::Tone *toneOf(uint32_t tone) { return tone < std::size(kTones) ? kTones[tone] : nullptr; }
+
+// Ringing, and a waiting caller identification once its time in a pause
+// has come.
+int16_t ringingSample(Line &line) {
+    const uint64_t at = (line.now - line.ringFrom) % exchange::kRingCycle;
+    if (at == exchange::kCallerIdStart && !line.callerIdFsk && !line.callerIdWaiting.empty()) {
+        line.callerIdFsk = exchange::callerIdBurst(line.callerIdWaiting);
+        line.callerIdWaiting.clear();
+    }
+    if (!line.callerIdFsk) return exchange::ringSample(at);
+    const int16_t sample = line.callerIdFsk->next();
+    if (line.callerIdFsk->done()) line.callerIdFsk.reset();
+    return sample;
+}
+
+// Ringing takes the line over any tone; a SLIC held in reset is silent.
+int16_t sampleOf(Line &line) {
+    if (line.inReset) return 0;
+    if (line.ringing) return ringingSample(line);
+    const exchange::Tone *tone = toneOf(line.tone);
+    return tone != nullptr ? exchange::toneSample(*tone, line.now - line.toneFrom) : 0;
+}
+
+bool givesSamples(const Object &) { return true; }
+
+// The line's next samples; it plays while it rings or has a tone on (the
+// pauses of a cadence included), and is silent otherwise.
+bool render(Board &, Object &object, std::span<int16_t> out) {
+    Line &line = object.as<Line>();
+    const bool playing = !line.inReset && (line.ringing || toneOf(line.tone) != nullptr);
+    for (int16_t &sample : out) {
+        sample = sampleOf(line);
+        ++line.now;
+    }
+    return playing;
+}
+
+constexpr Audio kAudio{nullptr, nullptr, givesSamples, render};  // the line takes no samples
 
 }  // namespace
 
-const Family kSlicFamily{"SLIC line", kRows, kAttributes, makeState<Line>};
+const Family kSlicFamily{"SLIC line", kRows, kAttributes, makeState<Line>, nullptr, nullptr, &kAudio};
 
 }  // namespace vb

@@ -65,13 +65,18 @@ TEST(Rynctl, CommandLine) {
         {"record tone:5000 x.wav", 2, Err, "give 1 to 5 frequencies below 4000 Hz"},
         {"record dtmf:1 x.wav --seconds 601", 2, Err, "--seconds: expected a number from 1 to 600"},
         {"record dtmf:1 x.wav --encoding mp3", 2, Err, "--encoding"},
+        {"record callerid x.wav --number 555123456", 2, Err, "--number: expected 10 digits, not \"555123456\""},
+        {"record calerid x.wav", 2, Err, "(did you mean 'callerid'?)"},
+        {"record tone:440 x.wav --name Ann", 2, Err, "--number, --name and --message are for the callerid source"},
         {"play x.wav dtfm", 2, Err, "(did you mean 'dtmf'?)"},
         {"image", 2, Err, "FILE is required"},
-        {"result 0xC300AA0D", 0, Out, "source   0x86 request transport\nline     170\nerror    13: operation failed\n"
-                                      "meaning  the driver call failed"},
+        {"result 0xC300AA0D", 0, Out,
+         "source   0x86 request transport\nline     170\nerror    13: operation failed\n"
+         "meaning  the driver call failed"},
         {"result -2147483639", 0, Out, "code     0x80000009 (2147483657, -2147483639)"},
-        {"result 956301569", 0, Out, "status (bit 31 clear)\nsource   0x72 the virtual board\nline     1\n"
-                                     "error    1: nothing to read"},
+        {"result 956301569", 0, Out,
+         "status (bit 31 clear)\nsource   0x72 the virtual board\nline     1\n"
+         "error    1: nothing to read"},
         {"result 0xB580121D", 0, Out, "source   0x6B DSP and loader\nline     18\nerror    29: image buffer full"},
         {"result -0x5", 2, Err, "CODE: expected a 32-bit code"},
         {"result 4294967296", 2, Err, "CODE: expected a 32-bit code"},
@@ -191,6 +196,8 @@ TEST(Rynctl, OnTheVirtualBoard) {
 #endif
         {"record dtmf:1234# " + dir + "dial.ul", 0, "(1 s at 8000 Hz, raw mu-law)"},
         {"play " + dir + "dial.ul dtmf", 0, "detected: 1234#"},
+        {"record callerid " + dir + "cid.wav --number 5551234567 --name Ann", 0, "32000 samples (4 s at 8000 Hz"},
+        {"play " + dir + "cid.wav callerid", 0, "number 5551234567, name Ann, checksum right"},
         {"play " + made + " mf", 1, "detected: nothing"},
         {"attr hdlc:0 5 -1", 0, "  5  settable  4294967295 (0xFFFFFFFF)"},
         {"attr dsp:0 5 12 --text", 1, "(failure, source 0x72 the virtual board, line "},
@@ -212,7 +219,8 @@ TEST(Rynctl, OnTheVirtualBoard) {
         EXPECT_GT(low, 20 * power(dialled, 0, 400, other)) << other;
         EXPECT_GT(high, 20 * power(dialled, 0, 400, other)) << other;
     }
-    for (const auto &file : {recorded, made, dir + "stereo.wav", dir + "dial.ul"}) std::remove(file.c_str());
+    for (const auto &file : {recorded, made, dir + "stereo.wav", dir + "dial.ul", dir + "cid.wav"})
+        std::remove(file.c_str());
 }
 
 }  // namespace

@@ -130,5 +130,29 @@ TEST_F(ClockTest, ADialIntoNothingEndsInTimeAndKeepsItsSamples) {
     EXPECT_EQ(power(640, 1280), 0);  // the pause
 }
 
+// A pipe joined to the SLIC line feeds what the set hears to the board's
+// caller identification detector, the line playing on the clock.
+TEST_F(ClockTest, TheRingingLinesCallerIdentificationReachesADetectorThroughAPipe) {
+    const DeviceHandle slic = device(RYN_VB_DEVICE_SLIC), cid = block(RYN_VB_BLOCK_CST_CALLER_ID_DETECTOR);
+    DeviceHandle pipe = 0;
+    uint32_t state = 0;
+    ASSERT_EQ(RynDrvCreatePipe(0, &pipe), 0u);
+    ASSERT_EQ(RynDrvConnectPipe(pipe, 0, slic, 0, nullptr, 0), 0u);
+    ASSERT_EQ(RynDrvConnectLogicalDevice(pipe, 0, cid, 0), 0u);
+    ASSERT_EQ(RynCstCidDetectorInit(cid, RYN_VB_FSK_BELL202, 0), 0u);
+    ASSERT_EQ(RynSlicSetUserName(slic, "VIRTUAL CALLER", &state), 0u);
+    ASSERT_EQ(RynSlicSetPhoneNumber(slic, "5550123456", &state), 0u);
+    ASSERT_EQ(RynSlicSendCallerID(slic, &state), 0u);
+    EventListener heard(cid);
+    ASSERT_EQ(RynSlicStartRingState(slic, &state), 0u);
+    run(2000);  // the first ring
+    EXPECT_EQ(heard.drain(RYN_VB_EVENT_CALLER_ID, 1).size(), 0u);
+    run(2000);  // the pause, with the message in it
+    EXPECT_EQ(heard.drain(RYN_VB_EVENT_CALLER_ID, 1),
+              (std::vector<std::pair<uint32_t, uint32_t>>{{RYN_VB_CID_MULTIPLE_MESSAGE, 1}}));
+    EXPECT_EQ(text(cid, RYN_VB_ATTR_CID_NUMBER), "5550123456");
+    EXPECT_EQ(text(cid, RYN_VB_ATTR_CID_NAME), "VIRTUAL CALLER");
+}
+
 }  // namespace
 }  // namespace vt

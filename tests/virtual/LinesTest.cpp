@@ -1,8 +1,12 @@
 // The line interfaces of the virtual board: two T1/E1 spans joined by a
-// cable, the POTS and SLIC lines, the board controls and the JTAG chain.
+// cable, the POTS and SLIC lines and their audio, the board controls and the
+// JTAG chain.
 #include <algorithm>
+#include <cmath>
+#include <functional>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "virtual/VirtualBoard.h"
 
@@ -10,6 +14,40 @@ namespace vt {
 namespace {
 
 uint32_t layer1(DeviceHandle span) { return got(RynT1E1GetLayer1Status, span); }
+
+using Samples = std::vector<int16_t>;
+
+// The next `ms` of a line's audio, appended to `samples`, a second at a time.
+Samples listen(DeviceHandle line, uint32_t ms, Samples samples = {}) {
+    for (uint32_t done = 0; done < ms; done += 1000) {
+        const size_t at = samples.size(), count = 8 * std::min(1000u, ms - done);
+        samples.resize(at + count);
+        uint32_t got = 0;
+        EXPECT_EQ(RynDrvGetAttributeValue(line, RYN_VB_ATTR_AUDIO_OUT, &samples[at], uint32_t(count * 2), &got), 0u);
+        EXPECT_EQ(got, count * 2);
+    }
+    return samples;
+}
+
+// For each `ms` of the samples, '#' when they sound (a peak above 1000), '.' when not.
+std::string pattern(const Samples &samples, uint32_t ms) {
+    std::string found;
+    for (size_t at = 0; at + 8 * ms <= samples.size(); at += 8 * ms)
+        found += *std::max_element(samples.begin() + at, samples.begin() + at + 8 * ms) > 1000 ? '#' : '.';
+    return found;
+}
+
+// The power of samples [first, first + count) at a frequency (Goertzel).
+double power(const Samples &samples, size_t first, size_t count, double hertz) {
+    const double c = 2 * std::cos(2 * M_PI * hertz / 8000);
+    double s1 = 0, s2 = 0;
+    for (size_t n = first; n < first + count; ++n) {
+        const double s = samples[n] + c * s1 - s2;
+        s2 = s1;
+        s1 = s;
+    }
+    return s1 * s1 + s2 * s2 - c * s1 * s2;
+}
 
 TEST_F(VirtualBoardTest, SpanSettingsAreKeptPerSpan) {
     const DeviceHandle span0 = device(RYN_VB_DEVICE_T1E1, 0), span1 = device(RYN_VB_DEVICE_T1E1, 1);
@@ -121,6 +159,114 @@ TEST_F(VirtualBoardTest, SlicRingsUntilTheSimulatedHandsetIsLifted) {
     EXPECT_EQ(RynSlicSetUserName(slic, "Ann", &state) | RynSlicSetPhoneNumber(slic, "5551234567", &state), 0u);
     EXPECT_EQ(RynSlicSendCallerID(slic, &state), 0u);
     EXPECT_EQ(text(slic, RYN_VB_ATTR_SLIC_CALLER_ID).substr(8), " 5551234567 Ann");  // after the stamp
+}
+
+// What the lines play: the SLIC line's tones to its set, the POTS line's
+// far end to the board. Each step is followed by 7 s of the line's audio:
+// its first 200 ms must hold the two frequencies (of the four the tones are
+// made of) and its 50 ms windows must sound as the cadence says.
+TEST_F(VirtualBoardTest, LinesPlayTheExchangeTonesInTheirCadences) {
+    const DeviceHandle slic = device(RYN_VB_DEVICE_SLIC), pots = device(RYN_VB_DEVICE_POTS);
+    const auto dial = [pots] {
+        return RynPotsPulseDial(pots, 0, 0, 0, reinterpret_cast<const uint8_t *>("42"), 2, 0, 0);
+    };
+    const struct {
+        const char *what;
+        DeviceHandle line;
+        std::function<ResultCode()> step;
+        double low, high;  // 0: silence
+        uint32_t onMs, offMs;
+    } steps[] = {
+        {"SLIC dial tone", slic, [slic] { return RynSlicEnableDialTone(slic); }, 350, 440, 7000, 0},
+        {"SLIC busy", slic, [slic] { return RynSlicEnableBusyTone(slic); }, 480, 620, 500, 500},
+        {"SLIC reorder", slic, [slic] { return RynSlicEnableReorderTone(slic); }, 480, 620, 250, 250},
+        {"SLIC congestion", slic, [slic] { return RynSlicEnableCongestionTone(slic); }, 480, 620, 200, 300},
+        {"SLIC ring-back", slic, [slic] { return RynSlicEnableRingBackTone(slic); }, 440, 480, 2000, 4000},
+        {"SLIC in reset", slic, [slic] { return RynSlicSetResetPin(slic, 1); }, 0, 0, 0, 0},
+        {"POTS off hook", pots, [pots] { return RynPotsOffHook(pots); }, 350, 440, 7000, 0},
+        {"POTS dialled", pots, dial, 440, 480, 2000, 4000},
+        {"POTS flash", pots, [pots] { return RynPotsHookFlash(pots, 500, 0, 0); }, 350, 440, 7000, 0},
+        {"POTS back on hook", pots, [pots] { return RynPotsOnHook(pots); }, 0, 0, 0, 0},
+    };
+    for (const auto &step : steps) {
+        ASSERT_EQ(step.step(), 0u) << step.what;
+        const Samples heard = listen(step.line, 7000);
+        std::string expected;
+        for (uint32_t ms = 0; ms < 7000; ms += 50)
+            expected += step.low != 0 && ms % (step.onMs + step.offMs) < step.onMs ? '#' : '.';
+        EXPECT_EQ(pattern(heard, 50), expected) << step.what;
+        // The tone's two frequencies near -13 dBm0 (peak 5100), the others of the four not there.
+        for (double hertz : {350.0, 440.0, 480.0, 620.0}) {
+            const double share = step.low == 0 ? 0 : power(heard, 0, 1600, hertz) / std::pow(1600 * 5100 / 2.0, 2);
+            EXPECT_NEAR(share, hertz == step.low || hertz == step.high ? 1 : 0, 0.1) << step.what << " " << hertz;
+        }
+    }
+}
+
+// The SLIC line sends a caller identification once, 500 ms into a pause of
+// the ringing: the line's audio from the moment ringing starts holds the
+// rings (20 Hz), the burst and silence, and the board's own caller
+// identification detector reads the message from it.
+TEST_F(VirtualBoardTest, SlicLineSendsCallerIdentificationInAPauseOfTheRinging) {
+    const DeviceHandle slic = device(RYN_VB_DEVICE_SLIC);
+    EXPECT_EQ(attribute(slic, RYN_VB_ATTR_SLIC_CALLER_ID_FORMAT), RYN_VB_CID_MULTIPLE_MESSAGE);
+    EXPECT_EQ(errorOf(RynDrvSetAttributeValueUint32(slic, RYN_VB_ATTR_SLIC_CALLER_ID_FORMAT, 0x06)), 9u);
+    constexpr uint32_t kSingle = RYN_VB_CID_SINGLE_MESSAGE, kMultiple = RYN_VB_CID_MULTIPLE_MESSAGE;
+    const struct {
+        uint32_t format;
+        std::string number, name;
+        int sentMs;         // after ringing started; -1 before, -2 before and the call answered 1 s in, then rung again
+        std::string heard;  // the number and name read ('O': unavailable), "": no message
+        std::string sounds;  // each 250 ms of the 12 s after ringing started: ring, burst, silence
+    } cases[] = {
+        {kMultiple, "5551234567", "Ann Smith", -1, "5551234567/Ann Smith",
+         "########..###...........########................"},
+        {kSingle, "5559876543", "Bob", 1000, "5559876543/",
+         "########..###...........########................"},  // no name in a single message
+        {kMultiple, "", "", 3000, "O/O",
+         "########................########..###..........."},  // too late for the first pause
+        {kMultiple, "5551234567", "Ann", -2, "",
+         "########................########................"},  // answered: the message dropped
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(std::to_string(c.format) + " sent at " + std::to_string(c.sentMs));
+        uint32_t state = 0;
+        ASSERT_EQ(RynDrvReset(slic) | RynDrvSetAttributeValueUint32(slic, RYN_VB_ATTR_SLIC_CALLER_ID_FORMAT, c.format),
+                  0u);
+        EXPECT_EQ((c.number.empty() ? 0 : RynSlicSetPhoneNumber(slic, c.number.c_str(), &state)) |
+                      (c.name.empty() ? 0 : RynSlicSetUserName(slic, c.name.c_str(), &state)) |
+                      (c.sentMs < 0 ? RynSlicSendCallerID(slic, &state) : 0) | RynSlicStartRingState(slic, &state),
+                  0u);
+        if (c.sentMs == -2) {
+            listen(slic, 1000);
+            EXPECT_EQ(RynDrvSetAttributeValueBool(slic, RYN_VB_ATTR_SLIC_HANDSET, 1) |
+                          RynDrvSetAttributeValueBool(slic, RYN_VB_ATTR_SLIC_HANDSET, 0) |
+                          RynSlicStartRingState(slic, &state),
+                      0u);
+        }
+        Samples heard = listen(slic, uint32_t(std::max(c.sentMs, 0)));
+        EXPECT_EQ(c.sentMs < 0 ? 0 : RynSlicSendCallerID(slic, &state), 0u);
+        heard = listen(slic, 12000 - uint32_t(std::max(c.sentMs, 0)), std::move(heard));
+
+        EXPECT_EQ(pattern(heard, 250), c.sounds);
+        int crossings = 0;
+        for (size_t n = 1; n < 16000; ++n) crossings += (heard[n - 1] < 0) != (heard[n] < 0);
+        EXPECT_NEAR(crossings, 80, 2);  // 20 Hz
+
+        const DeviceHandle cid = block(RYN_VB_BLOCK_CST_CALLER_ID_DETECTOR);
+        ASSERT_EQ(RynCstCidDetectorInit(cid, RYN_VB_FSK_BELL202, 0), 0u);
+        EventListener messages(cid);
+        for (size_t at = 0; at < heard.size(); at += 16000)
+            EXPECT_EQ(RynDrvSetAttributeValue(cid, RYN_VB_ATTR_AUDIO_IN, &heard[at], 32000), 0u);
+        const auto received = messages.drain(RYN_VB_EVENT_CALLER_ID);
+        const std::vector<std::pair<uint32_t, uint32_t>> expected{{c.format, 1}};  // the checksum right
+        EXPECT_EQ(received, c.heard.empty() ? decltype(expected){} : expected);
+        if (!c.heard.empty()) {
+            EXPECT_EQ(text(cid, RYN_VB_ATTR_CID_DATE), text(slic, RYN_VB_ATTR_SLIC_CALLER_ID).substr(0, 8));
+            EXPECT_EQ(text(cid, RYN_VB_ATTR_CID_NUMBER) + "/" + text(cid, RYN_VB_ATTR_CID_NAME), c.heard);
+        }
+        RynDrvClose(cid);
+    }
 }
 
 TEST_F(VirtualBoardTest, BoardControlsAndTheJtagChain) {

@@ -1,9 +1,11 @@
 // Audio in and out of the board's signal-processing blocks: record what a
-// generator or dialler plays into an audio file, and play an audio file into
-// a detector, printing what it detects. The samples travel through the
-// board's audio attributes (30: a block's output, 31: a detector's input).
+// generator or dialler plays, or what the SLIC line carries to its phone,
+// into an audio file, and play an audio file into a detector, printing what
+// it detects. The samples travel through the board's audio attributes (30:
+// a block's or line's output, 31: a detector's input).
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdarg>
 #include <cstring>
@@ -100,9 +102,12 @@ std::vector<uint32_t> frequencies(const char *text) {
 
 bool startsWith(const std::string &text, const char *prefix) { return text.rfind(prefix, 0) == 0; }
 
+constexpr char kCallerIdSource[] = "callerid";
+
 // What is wrong with a SOURCE, checked before anything connects; "" when
 // nothing is. The board itself refuses digits it cannot dial.
 std::string sourceProblem(const std::string &what) {
+    if (what == kCallerIdSource) return "";
     if (startsWith(what, "dtmf:") || startsWith(what, "mf:"))
         return what.back() != ':' ? "" : "\"" + what + "\": give the digits to dial, as " + what + "123";
     if (startsWith(what, "tone:")) {
@@ -110,16 +115,50 @@ std::string sourceProblem(const std::string &what) {
         return count >= 1 && count <= 5 ? ""
                                         : "\"" + what + "\": give 1 to 5 frequencies below 4000 Hz, as tone:350+440";
     }
-    std::string why = "\"" + what + "\" names no source: expected dtmf:DIGITS, mf:DIGITS or tone:HZ[+HZ...]";
-    const std::string near = nearest(what.substr(0, what.find(':')), {"dtmf", "mf", "tone"});
-    if (!near.empty() && what.find(':') != std::string::npos)
-        why += " (did you mean '" + near + what.substr(what.find(':')) + "'?)";
+    std::string why = "\"" + what + "\" names no source: expected dtmf:DIGITS, mf:DIGITS, tone:HZ[+HZ...] or callerid";
+    const bool colon = what.find(':') != std::string::npos;
+    const std::string near =
+        colon ? nearest(what.substr(0, what.find(':')), {"dtmf", "mf", "tone"}) : nearest(what, {kCallerIdSource});
+    if (!near.empty()) why += " (did you mean '" + near + (colon ? what.substr(what.find(':')) : "") + "'?)";
     return why;
 }
 
-// Sets up the source a recording names (checked by sourceProblem); false,
+// The caller identification the callerid source sends.
+struct CallerIdOptions {
+    std::string number, name, message = "multiple";
+    bool given() const { return !number.empty() || !name.empty() || message != "multiple"; }
+};
+
+std::string numberProblem(const std::string &text) {
+    return text.size() == 10 && text.find_first_not_of("0123456789") == std::string::npos
+               ? ""
+               : "expected 10 digits, not \"" + text + "\"";
+}
+
+std::string nameProblem(const std::string &text) {
+    const bool printable = std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7F; });
+    return text.size() <= 15 && printable ? "" : "expected at most 15 printable ASCII characters";
+}
+
+// The SLIC line rung with a caller identification: its number and name,
+// the message type, the message given before the ringing starts, so that
+// it goes out in the first pause.
+bool ringWithCallerId(const CallerIdOptions &o, DeviceHandle &line) {
+    const auto slic = findDevice("slic:0");
+    if (!slic) return false;
+    line = *slic;
+    uint32_t state = 0;
+    const uint32_t type = o.message == "single" ? RYN_VB_CID_SINGLE_MESSAGE : RYN_VB_CID_MULTIPLE_MESSAGE;
+    return check("message type", RynDrvSetAttributeValueUint32_12(line, RYN_VB_ATTR_SLIC_CALLER_ID_FORMAT, type)) &&
+           (o.number.empty() || check("phone number", RynSlicSetPhoneNumber(line, o.number.c_str(), &state))) &&
+           (o.name.empty() || check("name", RynSlicSetUserName(line, o.name.c_str(), &state))) &&
+           check("caller identification", RynSlicSendCallerID(line, &state)) &&
+           check("ringing", RynSlicStartRingState(line, &state));
+}
+
+// Sets up a generator or dialler block (checked by sourceProblem); false,
 // and why printed, when the board refuses it.
-bool setUpSource(const char *what, std::unique_ptr<Block> &block) {
+bool setUpBlock(const char *what, std::unique_ptr<Block> &block) {
     if (startsWith(what, "dtmf:") || startsWith(what, "mf:")) {
         const bool dtmf = what[0] == 'd';
         const char *digits = std::strchr(what, ':') + 1;
@@ -137,14 +176,30 @@ bool setUpSource(const char *what, std::unique_ptr<Block> &block) {
     for (uint32_t hertz : list) tones.push_back({static_cast<double>(hertz), -6.0 - 6.0 * (list.size() > 1), 0.0});
     block = std::make_unique<Block>(kSineGenerator);
     return block->ok() &&
-           check("generator set-up", RynToneSineWaveGeneratorInit(block->handle(), 0, tones.data(),
-                                                                  static_cast<int32_t>(tones.size()), 0));
+           check("generator set-up",
+                 RynToneSineWaveGeneratorInit(block->handle(), 0, tones.data(), static_cast<int32_t>(tones.size()), 0));
+}
+
+// Sets up the source a recording names (checked by sourceProblem): the
+// block or line to read; false, and why printed, when the board refuses it.
+bool setUpSource(const char *what, const CallerIdOptions &callerId, std::unique_ptr<Block> &block,
+                 DeviceHandle &handle) {
+    if (what == std::string(kCallerIdSource)) return ringWithCallerId(callerId, handle);
+    const bool set = setUpBlock(what, block);
+    if (set) handle = block->handle();
+    return set;
 }
 
 struct RecordOptions {
     std::string source, path, encoding;
-    uint32_t seconds = 1;
+    uint32_t seconds = 0;  // 0: the source's default
+    CallerIdOptions callerId;
 };
+
+// Seconds recorded when --seconds is not given: the callerid source's
+// recording holds the first ring (2 s), the burst 500 ms after it and the
+// start of the pause.
+uint32_t defaultSeconds(const std::string &source) { return source == kCallerIdSource ? 4 : 1; }
 
 int record(const RecordOptions &o) {
     std::string error;
@@ -153,19 +208,25 @@ int record(const RecordOptions &o) {
         std::fprintf(stderr, "rynctl record: %s\n", error.c_str());
         return kExitUsage;
     }
+    if (o.source != kCallerIdSource && o.callerId.given()) {
+        std::fprintf(stderr, "rynctl record: --number, --name and --message are for the callerid source\n");
+        return kExitUsage;
+    }
+    const uint32_t seconds = o.seconds != 0 ? o.seconds : defaultSeconds(o.source);
     Session session;
     if (!session.ok()) return kExitRefused;
     std::unique_ptr<Block> block;
-    if (!setUpSource(o.source.c_str(), block)) return kExitRefused;
-    std::vector<int16_t> samples(static_cast<size_t>(o.seconds) * audio::kSampleRate);
+    DeviceHandle source = 0;
+    if (!setUpSource(o.source.c_str(), o.callerId, block, source)) return kExitRefused;
+    std::vector<int16_t> samples(static_cast<size_t>(seconds) * audio::kSampleRate);
     for (size_t done = 0; done < samples.size();) {
         const uint32_t count = static_cast<uint32_t>(std::min<size_t>(kChunkSamples, samples.size() - done));
         uint32_t returned = 0;
-        const ResultCode result = RynDrvGetAttributeValue_20(block->handle(), kOutputSamples, &samples[done],
-                                                             count * 2, &returned);
+        const ResultCode result =
+            RynDrvGetAttributeValue_20(source, kOutputSamples, &samples[done], count * 2, &returned);
         if (!check("read samples", result)) return kExitRefused;
         if (returned != count * 2) {
-            std::fprintf(stderr, "rynctl: the block gave %u bytes where %u were asked for\n", returned, count * 2);
+            std::fprintf(stderr, "rynctl: the source gave %u bytes where %u were asked for\n", returned, count * 2);
             return kExitRefused;
         }
         done += count;
@@ -179,8 +240,8 @@ int record(const RecordOptions &o) {
     const char *encoding = format->encoding == audio::Encoding::Pcm16  ? "16-bit PCM"
                            : format->encoding == audio::Encoding::Ulaw ? "mu-law"
                                                                        : "A-law";
-    std::printf("%s: %zu samples (%u s at 8000 Hz, %s %s) from %s, RMS %.0f\n", o.path.c_str(), samples.size(),
-                o.seconds, format->container == audio::Container::Wav ? "WAV" : "raw", encoding, o.source.c_str(),
+    std::printf("%s: %zu samples (%u s at 8000 Hz, %s %s) from %s, RMS %.0f\n", o.path.c_str(), samples.size(), seconds,
+                format->container == audio::Container::Wav ? "WAV" : "raw", encoding, o.source.c_str(),
                 std::sqrt(energy / static_cast<double>(samples.size())));
     return kExitDone;
 }
@@ -312,23 +373,38 @@ CLI::Validator checkedBy(std::string (*problem)(const std::string &)) {
 
 Command recordCommand(CLI::App &rynctl) {
     auto o = std::make_shared<RecordOptions>();
-    CLI::App *app = rynctl.add_subcommand("record", "record a generator or dialler block into an audio file");
+    CLI::App *app =
+        rynctl.add_subcommand("record", "record a generator or dialler block, or the SLIC line, into an audio file");
     app->footer(
-        "Sets up a generator block on DSP 0 and writes N seconds (default 1) of what it plays (8 kHz, mono)\n"
-        "to FILE: 16-bit PCM WAV, or G.711 with --encoding or a .ul (mu-law) or .al (A-law) name, which\n"
-        "are raw G.711 files. --encoding ulaw or alaw with any other name writes a G.711 WAV file.\n"
+        "Sets up a generator block on DSP 0 (or rings the SLIC line) and writes N seconds of what it plays\n"
+        "(8 kHz, mono) to FILE: 16-bit PCM WAV, or G.711 with --encoding or a .ul (mu-law) or .al (A-law)\n"
+        "name, which are raw G.711 files. --encoding ulaw or alaw with any other name writes a G.711 WAV file.\n"
         "SOURCE is:\n"
         "  dtmf:DIGITS      a DTMF dialler dialling DIGITS (0-9 * # A-D), then silence\n"
         "  mf:DIGITS        an MF dialler dialling DIGITS (0-9, K for KP, S for ST), then silence\n"
-        "  tone:HZ[+HZ...]  the sine-wave generator with up to five tones");
-    app->add_option("SOURCE", o->source, "what plays: dtmf:DIGITS, mf:DIGITS or tone:HZ[+HZ...]")
+        "  tone:HZ[+HZ...]  the sine-wave generator with up to five tones\n"
+        "  callerid         the SLIC line rung with a caller identification: the first ring (2 s of 20 Hz),\n"
+        "                   then 500 ms later the message as Bell 202 FSK, then the pause; --number,\n"
+        "                   --name and --message say what it sends (a number or name not given is sent\n"
+        "                   as unavailable, 'O')\n"
+        "N is 1 by default, 4 for callerid (the ring, the burst and the start of the pause).");
+    app->add_option("SOURCE", o->source, "what plays: dtmf:DIGITS, mf:DIGITS, tone:HZ[+HZ...] or callerid")
         ->required()
         ->check(checkedBy(sourceProblem));
     app->add_option("FILE", o->path, "the audio file to write")->required();
-    addNumber(*app, "--seconds", o->seconds, "seconds to record (default 1)", 1, kLongestRecording);
+    addNumber(*app, "--seconds", o->seconds, "seconds to record (default 1, callerid 4)", 1, kLongestRecording);
     app->add_option("--encoding", o->encoding, "pcm16, ulaw or alaw (default: by FILE's extension)")
         ->check(CLI::IsMember({"pcm16", "ulaw", "alaw"}))
         ->type_name("ENC");
+    app->add_option("--number", o->callerId.number, "callerid: the caller's number, 10 digits")
+        ->check(checkedBy(numberProblem))
+        ->type_name("DIGITS");
+    app->add_option("--name", o->callerId.name, "callerid: the caller's name, up to 15 characters")
+        ->check(checkedBy(nameProblem))
+        ->type_name("TEXT");
+    app->add_option("--message", o->callerId.message, "callerid: single or multiple (default) data message")
+        ->check(CLI::IsMember({"single", "multiple"}))
+        ->type_name("TYPE");
     return {app, [o] { return record(*o); }};
 }
 
