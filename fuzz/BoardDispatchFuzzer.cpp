@@ -12,8 +12,10 @@
 //   connect  the output of one object of the pool to the input of another,
 //            so that what generators play reaches detectors;
 //   play     samples through the blocks: a dial of digits the diallers
-//            know, a sequence, a generator's audio read out, or audio
-//            (input bytes or a pair of tones) handed to a detector;
+//            know, a sequence, a generator's audio read out, audio (input
+//            bytes or a pair of tones) handed to a detector, or frames of
+//            the sample clock stepped (the clock's thread stands still, so
+//            that a finding replays);
 //   load     a DSP program load as the library makes it: hold, a program
 //            image by address (one of the library's built-in module images
 //            with words changed by the input, or words of the input), start;
@@ -144,8 +146,8 @@ constexpr uint32_t kValues[] = {
     8192, 60000, 0x7FFF, 0x8000, 0xFFFF, 0x7FFFFFFF, 0x80000000u, 0xFFFFFFF0u, 0xFFFFFFFFu};
 
 // The attribute identifiers of RynVirtualBoard.h, and two it has not.
-constexpr uint32_t kAttributes[] = {1,  2,  3,  4,  5,  13,  14,  30,  31,  32,  33,  34,  35, 36, 37,
-                                    40, 41, 42, 43, 44, 100, 101, 102, 103, 104, 105, 106, 0,  45};
+constexpr uint32_t kAttributes[] = {1,  2,  3,  4,  5,  13,  14,  30,  31,  32,  33,  34,  35,  36, 37, 40,
+                                    41, 42, 43, 44, 45, 46, 100, 101, 102, 103, 104, 105, 106, 0,  47};
 
 void fail(const char *what, uint32_t function, uint32_t a, uint32_t b) {
     std::fprintf(stderr, "board_dispatch: %s (function 0x%X: %u, %u)\n", what, function, a, b);
@@ -270,7 +272,7 @@ private:
         static constexpr int32_t kReceivers[] = {101, 110, 111, 112, 113, 114, 115, 116, 121, 122, 124, 125, 126, 128};
         static constexpr uint32_t kHertz[] = {350,  425,  440,  480,  620,  697,  700,  770,  852,  900, 941,
                                               1100, 1209, 1300, 1336, 1477, 1500, 1633, 1700, 2100, 2600};
-        const uint8_t what = in_.u8() % 5;
+        const uint8_t what = in_.u8() % 6;
         std::vector<uint8_t> body;
         uint32_t function = 0, replyLength = 12;
         if (what <= 1) {  // a dial: tone DTMF or MF dialler, telephony DTMF dialler
@@ -299,6 +301,13 @@ private:
             const uint32_t capacity = 2 * (in_.u16() % 2048);
             put32(body, 24, capacity);
             replyLength = 17 + capacity;
+        } else if (what == 5) {  // frames of the sample clock
+            function = 0x819;
+            body.assign(33, 0);
+            put32(body, 16, ofType(RYN_VB_DEVICE_BOARD));
+            put32(body, 20, RYN_VB_ATTR_SAMPLE_CLOCK_STEP);
+            put32(body, 24, 4);
+            put32(body, 28, in_.u8() % 64);
         } else {  // audio for a detector, set as attribute 31
             function = 0x819;
             std::vector<int16_t> samples(in_.u16() % 2048);
@@ -505,6 +514,11 @@ private:
 };
 
 }  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int *, char ***) {
+    setenv(RYN_VB_SAMPLE_CLOCK_ENV, "0", 1);  // boards start with their clock stopped
+    return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     Stream in(data, size);

@@ -40,7 +40,7 @@ case "${RYN_SANITIZE:-0}" in
     # halt_on_error: a race fails the test that met it.
     TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 ${TSAN_OPTIONS:-}" \
       ctest --test-dir "$dir" --output-on-failure -j2 \
-      -R '^(EventObjects|HandleLifetime|AppQueues|OsaThreads|OsaDevice|DriverEventCalls)\.|^VirtualBoardTest\.(Threads|EventQueues|EventsClosed)'
+      -R '^(EventObjects|HandleLifetime|AppQueues|OsaThreads|OsaDevice|DriverEventCalls)\.|^VirtualBoardTest\.(Threads|EventQueues|EventsClosed)|^ClockTest\.'
     exit 0 ;;
   *) echo "RYN_SANITIZE: 0, 1 (AddressSanitizer and UBSan) or thread, not \"$RYN_SANITIZE\"" >&2; exit 2 ;;
 esac

@@ -374,6 +374,8 @@ public:
     uint64_t frames() const { return frames_; }
     uint32_t clockRate() const;
     void setClockRate(uint32_t rate);
+    // Ends the clock's thread for good; the board's lock must not be held.
+    void stopClock();
 
     // Logical-device and pipe connections (RynDrvConnectLogicalDevice,
     // RynDrvConnectPipe), as pairs of (handle, port).

@@ -97,6 +97,8 @@ void Board::tick() {
 
 uint32_t Board::clockRate() const { return clock_ != nullptr ? clock_->rate() : RYN_VB_SAMPLE_CLOCK_STOPPED; }
 
+void Board::stopClock() { clock_.reset(); }
+
 void Board::setClockRate(uint32_t rate) {
     if (clock_ != nullptr) clock_->setRate(rate);
 }

@@ -128,6 +128,19 @@ void closeDevice(void *device) {
     }
 }
 
+// A process that ends with its connection still open leaves its board
+// alive: the clock's thread stops before the module and the library go, so
+// that it never runs into them while they are taken down. (A Windows
+// process has ended its threads by then.)
+#ifndef _WIN32
+struct ClockStopAtExit {
+    ~ClockStopAtExit() {
+        std::lock_guard<std::mutex> guard(openLock);
+        if (board != nullptr) board->stopClock();
+    }
+} clockStopAtExit;
+#endif
+
 constexpr RynUserDriver kDriver{RYN_USER_DRIVER_ABI, openDevice, controlDevice, closeDevice};
 
 }  // namespace
