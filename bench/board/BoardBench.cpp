@@ -68,4 +68,41 @@ void BM_DialIntoDetector(benchmark::State &state) {
 }
 BENCHMARK(BM_DialIntoDetector)->Unit(benchmark::kMicrosecond);
 
+// A full T1 span of calls on the sample clock: 24 sine-wave generators on
+// span 0's time slots, heard by 24 tone detectors on span 1's, through the
+// G.711 codec. One iteration is one second of board time (100 frames,
+// stepped); `real_time_factor` is how many times faster than real time the
+// board runs them.
+void BM_SpanOfCallsOnTheClock(benchmark::State &state) {
+    Connection connection;
+    DeviceHandle board = 0;
+    RynDrvGetDeviceHandle(0, RYN_VB_DEVICE_BOARD, 0, &board);
+    RynDrvSetAttributeValueUint32(board, RYN_VB_ATTR_SAMPLE_CLOCK_RATE, RYN_VB_SAMPLE_CLOCK_STOPPED);
+    for (uint32_t span = 0; span < 2; ++span) {
+        DeviceHandle handle = 0;
+        RynDrvGetDeviceHandle(0, RYN_VB_DEVICE_T1E1, span, &handle);
+        for (uint32_t slot = 1; slot <= 24; ++slot) {
+            DeviceHandle pipe = 0, block = 0;
+            RynDrvCreatePipe(0, &pipe);
+            RynDrvConnectPipe(pipe, 0, handle, slot, nullptr, 0);
+            const double hertz = 400.0 + 50.0 * slot;
+            const uint32_t whole = static_cast<uint32_t>(hertz);
+            if (span == 0) {
+                const SineToneParams tone{hertz, -10.0, 0.0};
+                block = connection.block(RYN_VB_BLOCK_SINE_WAVE_GENERATOR);
+                RynToneSineWaveGeneratorInit(block, 0, &tone, 1, 0);
+                RynDrvConnectLogicalDevice(block, 0, pipe, 0);
+            } else {
+                block = connection.block(RYN_VB_BLOCK_SINGLE_FREQUENCY_DETECTOR);
+                RynToneSingleDetectorInit(block, 0, &whole, 1, 0, 0, 0);
+                RynDrvConnectLogicalDevice(pipe, 0, block, 0);
+            }
+        }
+    }
+    for (auto _ : state) RynDrvSetAttributeValueUint32(board, RYN_VB_ATTR_SAMPLE_CLOCK_STEP, 100);
+    state.counters["real_time_factor"] =
+        benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+}
+BENCHMARK(BM_SpanOfCallsOnTheClock)->Unit(benchmark::kMillisecond);
+
 }  // namespace
