@@ -412,7 +412,7 @@ void runFrame(Board &board) {
         if (audio == nullptr || (source.outgoing.idle() && audio->render == nullptr)) continue;
         if (audio->gives != nullptr && !audio->gives(source) && source.outgoing.idle()) continue;
         const std::vector<uint32_t> starts = startsOf(board, source);
-        if (!connectedAfter(board, starts)) {
+        if (!running(source) || !connectedAfter(board, starts)) {  // a disabled block plays silence
             if (!source.outgoing.idle()) letPass(board, source, kFrame);
             continue;
         }
