@@ -374,7 +374,9 @@ public:
     uint64_t frames() const { return frames_; }
     uint32_t clockRate() const;
     void setClockRate(uint32_t rate);
-    // Ends the clock's thread for good; the board's lock must not be held.
+    // Starts the clock's thread (once); ends it for good (the board's lock
+    // not held).
+    void startClock();
     void stopClock();
 
     // Logical-device and pipe connections (RynDrvConnectLogicalDevice,

@@ -17,8 +17,10 @@ constexpr std::chrono::nanoseconds kFrameTime = std::chrono::milliseconds(RYN_VB
 constexpr std::chrono::milliseconds kLongestLag{200};
 }  // namespace
 
-SampleClock::SampleClock(Board &board, uint32_t rate) : board_(board), rate_(rate) {
-    thread_ = std::thread([this] { run(); });
+SampleClock::SampleClock(Board &board, uint32_t rate) : board_(board), rate_(rate) {}
+
+void SampleClock::start() {
+    if (!thread_.joinable()) thread_ = std::thread([this] { run(); });
 }
 
 SampleClock::~SampleClock() {
@@ -27,7 +29,7 @@ SampleClock::~SampleClock() {
         stopping_ = true;
     }
     wake_.notify_all();
-    thread_.join();
+    if (thread_.joinable()) thread_.join();
 }
 
 uint32_t SampleClock::rate() const {
@@ -96,6 +98,10 @@ void Board::tick() {
 }
 
 uint32_t Board::clockRate() const { return clock_ != nullptr ? clock_->rate() : RYN_VB_SAMPLE_CLOCK_STOPPED; }
+
+void Board::startClock() {
+    if (clock_ != nullptr) clock_->start();
+}
 
 void Board::stopClock() { clock_.reset(); }
 

@@ -16,7 +16,8 @@ class Board;
 
 class SampleClock {
 public:
-    // Starts the thread at `rate` times real time (0: stopped).
+    // A clock of `rate` times real time (0: stopped); its thread waits for
+    // start().
     SampleClock(Board &board, uint32_t rate);
     ~SampleClock();  // stops the thread; the board's lock must not be held
     SampleClock(const SampleClock &) = delete;
@@ -24,6 +25,8 @@ public:
 
     uint32_t rate() const;
     void setRate(uint32_t rate);
+    // Starts the thread, once.
+    void start();
 
     // The rate of the environment variable RYN_VB_SAMPLE_CLOCK, else real time.
     static uint32_t rateAtStart();

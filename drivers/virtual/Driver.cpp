@@ -41,6 +41,18 @@ const Row *findRow(Table table, uint32_t function) {
     return row == table.end() ? nullptr : &*row;
 }
 
+// The requests of the library's start-up step: it connects and reads the
+// driver's own attributes (handle 0) while the system's loader may be busy
+// loading the library, when a thread must not be started. The clock starts
+// with the first other request.
+bool beforeTheClock(uint32_t function, const Input &in) {
+    namespace core = wire::core;
+    if (function == core::ConnectLib::kFunction) return true;
+    const bool attribute =
+        function == core::GetAttributeValue::kFunction || function == core::GetAttributeType::kFunction;
+    return attribute && in.u32(wire::kHandle) == 0;
+}
+
 }  // namespace
 
 int answer(Board &board, const RynDriverRequest &request, uint32_t *returned) {
@@ -55,6 +67,7 @@ int answer(Board &board, const RynDriverRequest &request, uint32_t *returned) {
     std::lock_guard<std::mutex> guard(board.lock);
     Object *object = nullptr;
     const Row *row = nullptr;
+    if (!beforeTheClock(function, in)) board.startClock();
     if (function >= wire::core::kFirstFunction && function <= wire::core::kLastFunction) {
         row = findRow(coreTable(), function);
         if (row == nullptr) row = findRow(coreEventTable(), function);
