@@ -308,9 +308,10 @@ public:
         for (const auto &object : board_.objects()) {
             if (object->family != &kT1E1Family) continue;
             const std::vector<Object *> receivers = spansReceiving(board_, *object);
-            for (const auto &[spanHandle, slot] : joined) {
+            for (const auto &pair : joined) {
+                const uint32_t slot = pair.second;
                 const bool heard = std::any_of(receivers.begin(), receivers.end(),
-                                               [&](const Object *r) { return r->handle == spanHandle; });
+                                               [&](const Object *r) { return r->handle == pair.first; });
                 if (heard && sent_.count({object->handle, slot}) == 0)
                     add(slots_[{object->handle, slot}], idleFrame(board_, *object, slot), kUnityGain);
             }
