@@ -146,7 +146,7 @@ constexpr uint32_t kValues[] = {
     8192, 60000, 0x7FFF, 0x8000, 0xFFFF, 0x7FFFFFFF, 0x80000000u, 0xFFFFFFF0u, 0xFFFFFFFFu};
 
 // The attribute identifiers of RynVirtualBoard.h, and two it has not.
-constexpr uint32_t kAttributes[] = {1,  2,  3,  4,  5,  13,  14,  30,  31,  32,  33,  34,  35,  36, 37, 40,
+constexpr uint32_t kAttributes[] = {1,  2,  3,  4,  5,  13, 14,  30,  31,  32,  33,  34,  35,  36, 37, 40,
                                     41, 42, 43, 44, 45, 46, 100, 101, 102, 103, 104, 105, 106, 0,  47};
 
 void fail(const char *what, uint32_t function, uint32_t a, uint32_t b) {
