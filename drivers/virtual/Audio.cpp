@@ -83,15 +83,6 @@ int32_t gainOf(const Object &block, uint32_t from) {
     return audio->inputGain != nullptr ? audio->inputGain(block, from) : kUnityGain;
 }
 
-// Samples at a gain in 1/256.
-std::vector<int16_t> scaled(Samples samples, int32_t gain) {
-    std::vector<int16_t> out(samples.size());
-    std::transform(samples.begin(), samples.end(), out.begin(), [gain](int16_t x) {
-        return static_cast<int16_t>(std::clamp<int64_t>(int64_t{x} * gain / kUnityGain, -32768, 32767));
-    });
-    return out;
-}
-
 // One hop of a frame: the samples a block (or a time slot's pipe) played,
 // and the blocks that passed them on so far.
 struct Hop {
@@ -105,18 +96,26 @@ struct Hop {
 // through the spans end.
 using Sent = std::vector<std::pair<uint32_t, uint32_t>>;  // (span, slot)
 
+// The pipes that hear a span's time slot: those joined to that slot on
+// every span that receives it.
+std::vector<uint32_t> slotListeners(Board &board, Object &span, uint32_t slot) {
+    std::vector<uint32_t> pipes;
+    for (Object *receiver : spansReceiving(board, span)) {
+        if (!voiceSlot(board, *receiver, slot)) continue;
+        for (const Board::Connection &c : board.connections) {
+            Object *pipe = c.handleB == receiver->handle && c.portB == slot ? board.find(c.handleA) : nullptr;
+            if (pipe != nullptr && pipe->family == &kPipeFamily) pipes.push_back(pipe->handle);
+        }
+    }
+    return pipes;
+}
+
 void send(Board &board, Object &span, uint32_t slot, const Hop &hop, std::deque<Hop> &hops, Sent &sent) {
     const std::pair key{span.handle, slot};
     if (!voiceSlot(board, span, slot) || std::find(sent.begin(), sent.end(), key) != sent.end()) return;
     sent.push_back(key);
     const std::vector<int16_t> line = companded(hop.samples, codecLaw(board));
-    for (Object *receiver : spansReceiving(board, span)) {
-        if (!voiceSlot(board, *receiver, slot)) continue;
-        for (const Board::Connection &c : board.connections) {
-            Object *pipe = c.handleB == receiver->handle && c.portB == slot ? board.find(c.handleA) : nullptr;
-            if (pipe != nullptr && pipe->family == &kPipeFamily) hops.push_back({pipe->handle, line, hop.through});
-        }
-    }
+    for (uint32_t pipe : slotListeners(board, span, slot)) hops.push_back({pipe, line, hop.through});
 }
 
 // Carries frames from block to block, and across the spans, hop by hop, as
@@ -339,20 +338,19 @@ public:
     }
 
 private:
-    // Sums stay exact up to this, far beyond any sample.
-    static constexpr int32_t kSumLimit = 1 << 24;
-    static void add(Sum &into, Samples samples, int32_t gain) {
+    // Adds samples at a gain into a frame's sum (kept exact far beyond any
+    // sample), or into what a block hears late (kept to 16 bits).
+    template <typename Into>
+    static void accumulate(Into &into, Samples samples, int32_t gain, int64_t limit) {
         for (size_t i = 0; i < kFrame && i < samples.size(); ++i) {
             const int64_t sum = into[i] + int64_t{samples[i]} * gain / kUnityGain;
-            into[i] = static_cast<int32_t>(std::clamp<int64_t>(sum, -kSumLimit, kSumLimit));
+            into[i] = static_cast<typename Into::value_type>(std::clamp<int64_t>(sum, -limit - 1, limit));
         }
     }
+    static void add(Sum &into, Samples samples, int32_t gain) { accumulate(into, samples, gain, 1 << 24); }
     static void addLate(Object &block, Samples samples, int32_t gain) {
         block.late.resize(kFrame);
-        for (size_t i = 0; i < kFrame && i < samples.size(); ++i) {
-            const int64_t sum = block.late[i] + int64_t{samples[i]} * gain / kUnityGain;
-            block.late[i] = static_cast<int16_t>(std::clamp<int64_t>(sum, -32768, 32767));
-        }
+        accumulate(block.late, samples, gain, 32767);
     }
 
     // Each time slot played into in this wave sends its frame, once a frame,
@@ -366,12 +364,7 @@ private:
             const uint32_t slot = key.second;
             if (span == nullptr || !voiceSlot(board_, *span, slot) || !sent_.insert(key).second) continue;
             const std::vector<int16_t> line = companded(clamped(sum), law);
-            for (Object *receiver : spansReceiving(board_, *span)) {
-                if (!voiceSlot(board_, *receiver, slot)) continue;
-                for (const Board::Connection &c : board_.connections)
-                    if (c.handleB == receiver->handle && c.portB == slot && (c.handleA & 0xF0000000u) == kKindPipe)
-                        deliver(c.handleA, line);
-            }
+            for (uint32_t pipe : slotListeners(board_, *span, slot)) deliver(pipe, line);
         }
     }
 
@@ -481,6 +474,14 @@ void listen(Board &board, Object &block, Samples samples) {
         out.clear();
         if (audioOf(block)->arrive(board, block, frame, 0, out)) carry(board, {block.handle, out, {block.handle}});
     });
+}
+
+std::vector<int16_t> scaled(Samples samples, int32_t gain) {
+    std::vector<int16_t> out(samples.size());
+    std::transform(samples.begin(), samples.end(), out.begin(), [gain](int16_t x) {
+        return static_cast<int16_t>(std::clamp<int64_t>(int64_t{x} * gain / kUnityGain, -32768, 32767));
+    });
+    return out;
 }
 
 std::span<const Attribute> audioAttributes() { return kAudioAttributes; }

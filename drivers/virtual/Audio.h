@@ -64,6 +64,9 @@ void runFrame(Board &board);
 // through a connection.
 void listen(Board &board, Object &block, Samples samples);
 
+// Samples at a gain in 1/256, saturated to 16 bits.
+std::vector<int16_t> scaled(Samples samples, int32_t gain);
+
 // The audio-out and audio-in attributes of the families that have audio.
 std::span<const Attribute> audioAttributes();
 

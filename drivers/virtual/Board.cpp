@@ -125,6 +125,11 @@ std::vector<uint8_t> textValue(const std::string &text) {
     return value;
 }
 
+std::optional<uint32_t> wordOf(std::span<const uint8_t> value) {
+    if (value.size() != 4) return std::nullopt;
+    return wire::le::load32(value.data());
+}
+
 std::vector<uint8_t> setOnly(Call &call, Object &, uint32_t capacity) {
     if (capacity != 0) call.refusal = VB_FAILURE(kNotProvided);
     return {};

@@ -323,9 +323,11 @@ struct Attribute {
     uint32_t (*set)(Call &call, Object &object, std::span<const uint8_t> value);  // nullptr: read-only
 };
 
-// Helpers for attribute values.
+// Helpers for attribute values: a text, a 32-bit word; the word an
+// application set (nothing when the value is not 4 bytes).
 std::vector<uint8_t> textValue(const std::string &text);
 std::vector<uint8_t> wordValue(uint32_t value);
+std::optional<uint32_t> wordOf(std::span<const uint8_t> value);
 
 // The getter of an attribute that is set only: it has no value to give.
 std::vector<uint8_t> setOnly(Call &call, Object &object, uint32_t capacity);

@@ -67,12 +67,6 @@ std::vector<uint8_t> constants(Call &, Object &object, uint32_t) {
 
 // ---- The sample clock ----------------------------------------------------------
 
-// A 32-bit attribute value, or nothing when the value is not 4 bytes.
-std::optional<uint32_t> wordOf(std::span<const uint8_t> value) {
-    if (value.size() != 4) return std::nullopt;
-    return wire::le::load32(value.data());
-}
-
 std::vector<uint8_t> clockRate(Call &call, Object &, uint32_t) { return wordValue(call.board.clockRate()); }
 
 // 0 stops the clock, 1 runs it in real time, N at N times real time.

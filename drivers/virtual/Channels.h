@@ -28,10 +28,5 @@ inline void putTime(Output &out, uint32_t offset, uint64_t time) { out.write(off
 
 // Attribute value helpers.
 inline std::vector<uint8_t> booleanValue(bool value) { return wordValue(value ? 1u : 0u); }
-inline bool wordOf(std::span<const uint8_t> value, uint32_t &word) {
-    if (value.size() != 4) return false;
-    std::memcpy(&word, value.data(), 4);
-    return true;
-}
 
 }  // namespace vb::channel

@@ -14,13 +14,6 @@ struct PassThrough : Block {
     uint32_t gain = kUnityGain;
 };
 
-void scale(Samples samples, uint32_t gain, std::vector<int16_t> &out) {
-    out.resize(samples.size());
-    std::transform(samples.begin(), samples.end(), out.begin(), [&](int16_t x) {
-        return static_cast<int16_t>(std::clamp<int64_t>(int64_t{x} * gain / kUnityGain, -32768, 32767));
-    });
-}
-
 // ---- Voice mixer --------------------------------------------------------------
 
 using Mix = VoiceMixerInitEx;
@@ -109,7 +102,7 @@ bool takes(const Object &) { return true; }
 bool arrive(Board &, Object &block, Samples frame, uint32_t, std::vector<int16_t> &out) {
     const auto &state = block.as<PassThrough>();
     if (state.setUp == kNotSetUp) return false;
-    scale(frame, state.gain, out);
+    out = scaled(frame, static_cast<int32_t>(state.gain));
     return true;
 }
 

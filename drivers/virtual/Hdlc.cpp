@@ -323,9 +323,9 @@ std::vector<uint8_t> crossConnect(Call &, Object &object, uint32_t) {
 }
 
 uint32_t setCrossConnect(Call &, Object &object, std::span<const uint8_t> value) {
-    uint32_t word = 0;
-    if (!channel::wordOf(value, word) || word > 1) return VB_FAILURE(kOutOfRange);
-    channelOf(object).crossConnect = word == 1;
+    const auto word = wordOf(value);
+    if (!word || *word > 1) return VB_FAILURE(kOutOfRange);
+    channelOf(object).crossConnect = *word == 1;
     return 0;
 }
 

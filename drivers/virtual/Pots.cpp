@@ -112,10 +112,9 @@ std::vector<uint8_t> ringingValue(Call &, Object &object, uint32_t) { return wor
 
 // The exchange rings the line (1) or stops (0); an off-hook line is not rung.
 uint32_t setRinging(Call &call, Object &object, std::span<const uint8_t> value) {
-    uint32_t word = 2;
-    if (value.size() == 4) std::memcpy(&word, value.data(), 4);
-    if (word > 1) return VB_FAILURE(kOutOfRange);
-    const bool ring = word == 1;
+    const auto word = wordOf(value);
+    if (!word || *word > 1) return VB_FAILURE(kOutOfRange);
+    const bool ring = *word == 1;
     Line &line = object.as<Line>();
     if (ring && line.offHook) return VB_FAILURE(kFailed);
     if (ring == line.ringing) return 0;

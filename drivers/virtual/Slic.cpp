@@ -213,12 +213,11 @@ std::vector<uint8_t> handsetValue(Call &, Object &object, uint32_t) { return wor
 
 // The phone's user lifts the handset (1) or hangs up (0).
 uint32_t setHandset(Call &call, Object &object, std::span<const uint8_t> value) {
-    uint32_t word = 2;
-    if (value.size() == 4) std::memcpy(&word, value.data(), 4);
-    if (word > 1) return VB_FAILURE(kOutOfRange);
+    const auto word = wordOf(value);
+    if (!word || *word > 1) return VB_FAILURE(kOutOfRange);
     Line &line = object.as<Line>();
-    if (line.offHook == (word == 1)) return 0;
-    line.offHook = word == 1;
+    if (line.offHook == (*word == 1)) return 0;
+    line.offHook = *word == 1;
     call.board.post(object, kEventHookChanged, line.offHook ? RYN_VB_HOOK_OFF : RYN_VB_HOOK_ON);
     if (line.offHook) {
         stopRinging(call.board, object, kAnswered);
@@ -235,10 +234,10 @@ std::vector<uint8_t> stateValue(Call &, Object &object, uint32_t) { return wordV
 
 // The message type of the caller identifications sent from now on.
 uint32_t setCallerIdFormat(Call &, Object &object, std::span<const uint8_t> value) {
-    uint32_t word = 0;
-    if (value.size() == 4) std::memcpy(&word, value.data(), 4);
-    if (word != RYN_VB_CID_SINGLE_MESSAGE && word != RYN_VB_CID_MULTIPLE_MESSAGE) return VB_FAILURE(kOutOfRange);
-    object.as<Line>().callerIdFormat = word;
+    const auto word = wordOf(value);
+    if (!word || (*word != RYN_VB_CID_SINGLE_MESSAGE && *word != RYN_VB_CID_MULTIPLE_MESSAGE))
+        return VB_FAILURE(kOutOfRange);
+    object.as<Line>().callerIdFormat = *word;
     return 0;
 }
 
