@@ -56,6 +56,11 @@ uint32_t SampleClock::rateAtStart() {
     return rate;
 }
 
+bool SampleClock::stillRunsAt(uint32_t rate) const {
+    std::lock_guard<std::mutex> guard(mutex_);
+    return !stopping_ && rate_ == rate;
+}
+
 void SampleClock::run() {
     std::unique_lock<std::mutex> lock(mutex_);
     uint32_t running = 0;  // the rate the deadlines were counted for
@@ -74,14 +79,20 @@ void SampleClock::run() {
         lock.unlock();
         {
             std::lock_guard<std::mutex> guard(board_.lock);
-            try {
-                board_.tick();
-            } catch (...) {
-                // Memory ran out in the middle of a frame: the frame is lost,
-                // the clock goes on.
+            // A request may have stopped or changed the clock while this
+            // thread waited for the board: that request's word holds, and
+            // the frame is not run.
+            if (stillRunsAt(counted)) {
+                try {
+                    board_.tick();
+                } catch (...) {
+                    // Memory ran out in the middle of a frame: the frame is
+                    // lost, the clock goes on.
+                }
             }
         }
         lock.lock();
+        if (rate_ != counted) continue;
         due += kFrameTime / running;
         if (Steady::now() - due > kLongestLag) due = Steady::now();
     }

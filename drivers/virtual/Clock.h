@@ -33,6 +33,8 @@ public:
 
 private:
     void run();
+    // Whether the clock still runs at `rate` and is not stopping.
+    bool stillRunsAt(uint32_t rate) const;
 
     Board &board_;
     mutable std::mutex mutex_;  // never held while the board's lock is taken
