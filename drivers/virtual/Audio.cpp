@@ -198,10 +198,12 @@ bool output(Board &board, Object &block, std::span<int16_t> out) {
     return played;
 }
 
+bool isLine(const Object &object) { return (object.handle & 0xF0000000u) == kKindPhysical; }
+
 // Where what an object plays starts: a block's own output; a line's goes
 // out through the pipes joined to it.
 std::vector<uint32_t> startsOf(Board &board, const Object &object) {
-    if ((object.handle & 0xF0000000u) != kKindPhysical) return {object.handle};
+    if (!isLine(object)) return {object.handle};
     std::vector<uint32_t> pipes;
     for (const Board::Connection &c : board.connections)
         if (c.handleB == object.handle && (c.handleA & 0xF0000000u) == kKindPipe) pipes.push_back(c.handleA);
@@ -411,7 +413,9 @@ void runFrame(Board &board) {
             continue;
         }
         if (!output(board, source, frame)) continue;
-        for (uint32_t start : starts) run.deliver(start, frame);
+        // A line does not hear itself through the pipes it plays into.
+        const std::vector<uint32_t> through{source.handle};
+        for (uint32_t start : starts) run.deliver(start, frame, isLine(source) ? through : std::vector<uint32_t>{});
     }
     run.settle();
     run.idleSlots();

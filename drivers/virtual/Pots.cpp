@@ -13,11 +13,17 @@
 // digit, or from the first after a flash, which brings dial tone back),
 // silence on hook. A tone's cadence runs from the first sample rendered
 // after it began; the line keeps time by the samples rendered.
+//
+// The exchange also listens: DTMF digits played into a pipe joined to the
+// line (or into the line through the audio-in attribute) while it is off
+// hook are dialled as pulse digits are.
+#include <memory>
 #include <string>
 
 #include "Families.h"
 #include "LineAudio.h"
 #include "PotsWire.h"
+#include "Signal.h"
 
 namespace vb {
 namespace {
@@ -33,7 +39,9 @@ struct Line : ObjectState {
     bool ringing = false;
     uint32_t mode = RYN_VB_POTS_IMPEDANCE_600_OHM;
     uint32_t flashes = 0;  // since the line went off hook
-    std::string dialled;   // digits pulse-dialled since the line went off hook
+    std::string dialled;   // digits dialled since the line went off hook
+    // The exchange's DTMF receiver, listening while the line is off hook.
+    std::unique_ptr<signal::DtmfReceiver> receiver;
     // Audio: the line's time in samples rendered, the tone heard and since when.
     uint64_t now = 0, heardFrom = 0;
     const exchange::Tone *heard = nullptr;
@@ -47,6 +55,7 @@ void setHook(Board &board, Object &object, bool offHook) {
     line.offHook = offHook;
     line.flashes = 0;
     line.dialled.clear();
+    line.receiver = offHook ? std::make_unique<signal::DtmfReceiver>(signal::Limits{}) : nullptr;
     board.post(object, kEventHookChanged, offHook ? RYN_VB_HOOK_OFF : RYN_VB_HOOK_ON);
     if (offHook && line.ringing) {
         line.ringing = false;
@@ -142,6 +151,18 @@ const exchange::Tone *exchangeTone(const Line &line) {
 }
 
 bool givesSamples(const Object &) { return true; }
+bool takesSamples(const Object &) { return true; }
+
+// What reaches the exchange: each DTMF digit it hears is dialled.
+bool hear(Board &, Object &object, Samples frame, uint32_t, std::vector<int16_t> &) {
+    Line &line = object.as<Line>();
+    if (line.receiver == nullptr) return false;  // on hook
+    std::vector<signal::Report> reports;
+    line.receiver->run(frame, reports);
+    for (const signal::Report &report : reports)
+        if (report.started) line.dialled.push_back(static_cast<char>(signal::DtmfReceiver::character(report.symbol)));
+    return false;
+}
 
 // What the exchange plays; the line plays while it is off hook.
 bool render(Board &, Object &object, std::span<int16_t> out) {
@@ -158,7 +179,7 @@ bool render(Board &, Object &object, std::span<int16_t> out) {
     return tone != nullptr;
 }
 
-constexpr Audio kAudio{nullptr, nullptr, givesSamples, render};  // the line takes no samples
+constexpr Audio kAudio{takesSamples, hear, givesSamples, render};
 
 }  // namespace
 

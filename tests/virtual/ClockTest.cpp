@@ -154,5 +154,23 @@ TEST_F(ClockTest, TheRingingLinesCallerIdentificationReachesADetectorThroughAPip
     EXPECT_EQ(text(cid, RYN_VB_ATTR_CID_NAME), "VIRTUAL CALLER");
 }
 
+// The exchange behind the POTS line hears DTMF played into a pipe joined to
+// the line, and dials it as it dials pulses, while the line plays its dial
+// tone into the same pipe.
+TEST_F(ClockTest, TheExchangeHearsDigitsDialledIntoThePotsLine) {
+    const DeviceHandle pots = device(RYN_VB_DEVICE_POTS), dialler = block(RYN_VB_BLOCK_DTMF_DIALLER);
+    DeviceHandle pipe = 0;
+    ASSERT_EQ(RynDrvCreatePipe(0, &pipe), 0u);
+    ASSERT_EQ(RynDrvConnectPipe(pipe, 0, pots, 0, nullptr, 0), 0u);
+    ASSERT_EQ(RynDrvConnectLogicalDevice(dialler, 0, pipe, 0), 0u);
+    ASSERT_EQ(RynToneDtmfDial(dialler, "1", 1, 0, 0), 0u);
+    run(200);
+    EXPECT_EQ(text(pots, RYN_VB_ATTR_POTS_DIALLED), "");  // on hook: nobody listens
+    ASSERT_EQ(RynPotsOffHook(pots), 0u);
+    ASSERT_EQ(RynToneDtmfDial(dialler, "5#8", 3, 0, 0), 0u);
+    run(600);
+    EXPECT_EQ(text(pots, RYN_VB_ATTR_POTS_DIALLED), "5#8");
+}
+
 }  // namespace
 }  // namespace vt
