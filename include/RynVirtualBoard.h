@@ -168,6 +168,7 @@
 #define RYN_VB_ATTR_SLIC_CALLER_ID 42        /**< SLIC: the last caller identification (text). */
 #define RYN_VB_ATTR_SLIC_STATE 43            /**< SLIC: state word (RYN_VB_SLIC_STATE_...). */
 #define RYN_VB_ATTR_SLIC_CALLER_ID_FORMAT 44 /**< SLIC: caller identification message type sent (RYN_VB_CID_..._MESSAGE, settable). */
+#define RYN_VB_ATTR_SLIC_SET_DIGITS 45       /**< SLIC: the off-hook set dials these DTMF digits (text, set only). */
 #define RYN_VB_ATTR_CLOCK_SOURCE 40          /**< Board controls: clock source (RYN_VB_CLOCK_SOURCE_...). */
 #define RYN_VB_ATTR_CLOCK_MODE 41            /**< Board controls: clock mode (RYN_VB_CLOCK_MODE_...). */
 #define RYN_VB_ATTR_CODEC_LAW 42             /**< Board controls: codec law (RYN_VB_LAW_...). */

@@ -24,6 +24,12 @@
 // answered, reset) before the message has gone out drops it, since the call
 // it announced is over, and cuts off a burst being sent; a reset drops it
 // too. A later SendCallerID replaces a message still waiting.
+//
+// The set's keypad is simulated too (RYN_VB_ATTR_SLIC_SET_DIGITS): an
+// off-hook set dials DTMF digits, which the line carries to the board with
+// whatever it plays to the set, so that a DTMF detector on a pipe joined to
+// the line hears them.
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <optional>
@@ -46,6 +52,11 @@ enum Tone : uint32_t {
     kCongestionTone = RYN_VB_SLIC_TONE_CONGESTION,
     kRingBackTone = RYN_VB_SLIC_TONE_RING_BACK,
 };
+// The set's keypad.
+constexpr size_t kSetDigitLimit = 64;
+constexpr uint64_t kSetDigitMs = 80;
+constexpr double kSetLowDbm0 = -8, kSetHighDbm0 = -6;
+
 constexpr uint32_t kStoppedByApplication = RYN_VB_RING_STOP_REQUESTED, kAnswered = RYN_VB_RING_STOP_ANSWERED,
                    kStoppedByReset = RYN_VB_RING_STOP_RESET;
 
@@ -60,9 +71,17 @@ struct Line : ObjectState {
     uint64_t now = 0, toneFrom = 0, ringFrom = 0;
     std::vector<uint8_t> callerIdWaiting;               // a message not sent yet
     std::optional<signal::FskTransmitter> callerIdFsk;  // the one being sent
+    std::vector<int16_t> keyed;                         // the set's DTMF digits
+    size_t keyedAt = 0;                                 // and how much of them has played
 };
 
 Line &lineOf(Call &call) { return call.object->as<Line>(); }
+
+// The set's digits not played yet are dropped (hanging up, a reset).
+void dropKeyed(Line &line) {
+    line.keyed.clear();
+    line.keyedAt = 0;
+}
 
 uint32_t stateWord(const Line &line) {
     return (line.offHook ? RYN_VB_SLIC_STATE_OFF_HOOK : 0) | (line.ringing ? RYN_VB_SLIC_STATE_RINGING : 0) |
@@ -97,6 +116,7 @@ uint32_t setResetPin(Call &call) {
         line.tone = kNoTone;
         line.audio = false;
         line.callerIdWaiting.clear();
+        dropKeyed(line);
     }
     return 0;
 }
@@ -224,7 +244,33 @@ uint32_t setHandset(Call &call, Object &object, std::span<const uint8_t> value) 
     } else {
         line.audio = false;
         line.tone = kNoTone;
+        dropKeyed(line);
     }
+    return 0;
+}
+
+// The set dials DTMF digits (text: 0-9 * # A-D, at most kSetDigitLimit): each
+// for kSetDigitMs, with as long a pause after it, the low tone at -8 dBm0 and
+// the high at -6 dBm0, as a telephone's keypad sends them. They follow
+// digits still playing. The handset must be off hook.
+uint32_t setDigits(Call &, Object &object, std::span<const uint8_t> value) {
+    const std::string keys(value.begin(), value.end());
+    const std::string digits = keys.substr(0, keys.find('\0'));
+    std::vector<signal::Pair> pairs;
+    for (char key : digits) {
+        const auto pair = signal::dtmfPair(static_cast<uint8_t>(key));
+        if (!pair) return VB_FAILURE(kMalformed);
+        pairs.push_back(*pair);
+    }
+    if (pairs.empty() || pairs.size() > kSetDigitLimit) return VB_FAILURE(kOutOfRange);
+    Line &line = object.as<Line>();
+    if (!line.offHook || line.inReset) return VB_FAILURE(kFailed);
+    const uint64_t digitSamples = exchange::samples(kSetDigitMs);
+    const auto dialled = signal::dial(
+        pairs, {digitSamples, digitSamples, 0, exchange::peakOf(kSetLowDbm0), exchange::peakOf(kSetHighDbm0)});
+    line.keyed.erase(line.keyed.begin(), line.keyed.begin() + static_cast<std::ptrdiff_t>(line.keyedAt));
+    line.keyedAt = 0;  // what played is gone; the new digits follow the rest
+    line.keyed.insert(line.keyed.end(), dialled.begin(), dialled.end());
     return 0;
 }
 
@@ -248,6 +294,7 @@ const Attribute kAttributes[] = {
     {RYN_VB_ATTR_SLIC_STATE, RYN_VB_VALUE_UINT32, stateValue, nullptr},
     {RYN_VB_ATTR_SLIC_CALLER_ID_FORMAT, RYN_VB_VALUE_UINT32, fieldValue<Line, &Line::callerIdFormat>,
      setCallerIdFormat},
+    {RYN_VB_ATTR_SLIC_SET_DIGITS, RYN_VB_VALUE_TEXT, setOnly, setDigits},
 };
 
 // ---- Audio ------------------------------------------------------------------
@@ -278,11 +325,18 @@ int16_t ringingSample(Line &line) {
 }
 
 // Ringing takes the line over any tone; a SLIC held in reset is silent.
-int16_t sampleOf(Line &line) {
-    if (line.inReset) return 0;
+int16_t playedSample(Line &line) {
     if (line.ringing) return ringingSample(line);
     const exchange::Tone *tone = toneOf(line.tone);
     return tone != nullptr ? exchange::toneSample(*tone, line.now - line.toneFrom) : 0;
+}
+
+// What the line carries: what it plays to the set, and the set's digits.
+int16_t sampleOf(Line &line) {
+    if (line.inReset) return 0;
+    int32_t sample = playedSample(line);
+    if (line.keyedAt < line.keyed.size()) sample += line.keyed[line.keyedAt++];
+    return static_cast<int16_t>(std::clamp<int32_t>(sample, -32768, 32767));
 }
 
 bool givesSamples(const Object &) { return true; }
@@ -291,7 +345,8 @@ bool givesSamples(const Object &) { return true; }
 // pauses of a cadence included), and is silent otherwise.
 bool render(Board &, Object &object, std::span<int16_t> out) {
     Line &line = object.as<Line>();
-    const bool playing = !line.inReset && (line.ringing || toneOf(line.tone) != nullptr);
+    const bool playing =
+        !line.inReset && (line.ringing || toneOf(line.tone) != nullptr || line.keyedAt < line.keyed.size());
     for (int16_t &sample : out) {
         sample = sampleOf(line);
         ++line.now;

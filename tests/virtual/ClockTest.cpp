@@ -154,15 +154,19 @@ TEST_F(ClockTest, TheRingingLinesCallerIdentificationReachesADetectorThroughAPip
     EXPECT_EQ(text(cid, RYN_VB_ATTR_CID_NAME), "VIRTUAL CALLER");
 }
 
-// The exchange behind the POTS line hears DTMF played into a pipe joined to
-// the line, and dials it as it dials pulses, while the line plays its dial
-// tone into the same pipe.
-TEST_F(ClockTest, TheExchangeHearsDigitsDialledIntoThePotsLine) {
+// Digits cross the lines both ways through pipes joined to them: the
+// exchange behind the POTS line dials the DTMF a dialler plays into its pipe
+// (while the line plays dial tone into the same pipe), and a detector on the
+// SLIC line's pipe hears the digits the set dials over its dial tone.
+TEST_F(ClockTest, DigitsCrossTheLinesBothWays) {
+    const auto joined = [](DeviceHandle line) {
+        DeviceHandle pipe = 0;
+        EXPECT_EQ(RynDrvCreatePipe(0, &pipe), 0u);
+        EXPECT_EQ(RynDrvConnectPipe(pipe, 0, line, 0, nullptr, 0), 0u);
+        return pipe;
+    };
     const DeviceHandle pots = device(RYN_VB_DEVICE_POTS), dialler = block(RYN_VB_BLOCK_DTMF_DIALLER);
-    DeviceHandle pipe = 0;
-    ASSERT_EQ(RynDrvCreatePipe(0, &pipe), 0u);
-    ASSERT_EQ(RynDrvConnectPipe(pipe, 0, pots, 0, nullptr, 0), 0u);
-    ASSERT_EQ(RynDrvConnectLogicalDevice(dialler, 0, pipe, 0), 0u);
+    ASSERT_EQ(RynDrvConnectLogicalDevice(dialler, 0, joined(pots), 0), 0u);
     ASSERT_EQ(RynToneDtmfDial(dialler, "1", 1, 0, 0), 0u);
     run(200);
     EXPECT_EQ(text(pots, RYN_VB_ATTR_POTS_DIALLED), "");  // on hook: nobody listens
@@ -170,7 +174,17 @@ TEST_F(ClockTest, TheExchangeHearsDigitsDialledIntoThePotsLine) {
     ASSERT_EQ(RynToneDtmfDial(dialler, "5#8", 3, 0, 0), 0u);
     run(600);
     EXPECT_EQ(text(pots, RYN_VB_ATTR_POTS_DIALLED), "5#8");
-}
 
+    const DeviceHandle slic = device(RYN_VB_DEVICE_SLIC), detector = block(RYN_VB_BLOCK_DTMF_DETECTOR);
+    ASSERT_EQ(RynDrvConnectLogicalDevice(joined(slic), 0, detector, 0), 0u);
+    EXPECT_EQ(errorOf(RynDrvSetAttributeValueSz(slic, RYN_VB_ATTR_SLIC_SET_DIGITS, "7")), 13u);  // on hook
+    ASSERT_EQ(RynDrvSetAttributeValueBool(slic, RYN_VB_ATTR_SLIC_HANDSET, 1), 0u);
+    ASSERT_EQ(RynSlicEnableDialTone(slic), 0u);
+    EXPECT_EQ(errorOf(RynDrvSetAttributeValueSz(slic, RYN_VB_ATTR_SLIC_SET_DIGITS, "7x")), 5u);
+    EventListener heard(detector);
+    ASSERT_EQ(RynDrvSetAttributeValueSz(slic, RYN_VB_ATTR_SLIC_SET_DIGITS, "7*0D"), 0u);
+    run(700);
+    EXPECT_EQ(heard.reported(RYN_VB_EVENT_DTMF_DIGIT, 1), "7*0D");
+}
 }  // namespace
 }  // namespace vt
