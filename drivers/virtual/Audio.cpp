@@ -198,7 +198,7 @@ bool output(Board &board, Object &block, std::span<int16_t> out) {
     return played;
 }
 
-bool isLine(const Object &object) { return (object.handle & 0xF0000000u) == kKindPhysical; }
+bool isLine(const Object &object) { return kindOf(object.handle) == kKindPhysical; }
 
 // Where what an object plays starts: a block's own output; a line's goes
 // out through the pipes joined to it.
@@ -206,7 +206,7 @@ std::vector<uint32_t> startsOf(Board &board, const Object &object) {
     if (!isLine(object)) return {object.handle};
     std::vector<uint32_t> pipes;
     for (const Board::Connection &c : board.connections)
-        if (c.handleB == object.handle && (c.handleA & 0xF0000000u) == kKindPipe) pipes.push_back(c.handleA);
+        if (c.handleB == object.handle && kindOf(c.handleA) == kKindPipe) pipes.push_back(c.handleA);
     return pipes;
 }
 
@@ -302,7 +302,7 @@ public:
         std::vector<std::pair<uint32_t, uint32_t>> joined;  // (span, slot) with a pipe
         for (const Board::Connection &c : board_.connections) {
             const Object *device = board_.find(c.handleB);
-            if (device != nullptr && device->family == &kT1E1Family && (c.handleA & 0xF0000000u) == kKindPipe)
+            if (device != nullptr && device->family == &kT1E1Family && kindOf(c.handleA) == kKindPipe)
                 joined.emplace_back(c.handleB, c.portB);
         }
         if (joined.empty()) return;
@@ -414,8 +414,9 @@ void runFrame(Board &board) {
         }
         if (!output(board, source, frame)) continue;
         // A line does not hear itself through the pipes it plays into.
-        const std::vector<uint32_t> through{source.handle};
-        for (uint32_t start : starts) run.deliver(start, frame, isLine(source) ? through : std::vector<uint32_t>{});
+        const std::vector<uint32_t> through =
+            isLine(source) ? std::vector<uint32_t>{source.handle} : std::vector<uint32_t>{};
+        for (uint32_t start : starts) run.deliver(start, frame, through);
     }
     run.settle();
     run.idleSlots();

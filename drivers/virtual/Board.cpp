@@ -33,7 +33,7 @@ Object *Board::find(uint32_t handle) {
 
 Object *Board::findDevice(int32_t type, uint32_t id) {
     auto it = std::find_if(objects_.begin(), objects_.end(), [&](const auto &o) {
-        return (o->handle & 0xF0000000u) == kKindPhysical && o->type == type && o->id == id;
+        return kindOf(o->handle) == kKindPhysical && o->type == type && o->id == id;
     });
     return it == objects_.end() ? nullptr : it->get();
 }
@@ -53,7 +53,7 @@ Object &Board::create(uint32_t kind, int32_t type, const Family &family, uint32_
     if (family.newState != nullptr) object->data = family.newState(*object);
     if (kind == kKindPhysical) {
         object->id = static_cast<uint32_t>(std::count_if(objects_.begin(), objects_.end(), [&](const auto &o) {
-            return (o->handle & 0xF0000000u) == kKindPhysical && o->type == type;
+            return kindOf(o->handle) == kKindPhysical && o->type == type;
         }));
     }
     objects_.push_back(std::move(object));

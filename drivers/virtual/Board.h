@@ -109,6 +109,8 @@ inline constexpr uint32_t kKindPhysical = 0x10000000u;
 inline constexpr uint32_t kKindLogical = 0x20000000u;
 inline constexpr uint32_t kKindQueue = 0x30000000u;
 inline constexpr uint32_t kKindPipe = 0x40000000u;
+// The kind of a handle: its top four bits, one of the kinds above.
+inline constexpr uint32_t kindOf(uint32_t handle) { return handle & 0xF0000000u; }
 
 // Pipes and event queues are refused once the board holds this many objects,
 // its devices and blocks counted.

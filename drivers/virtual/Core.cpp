@@ -19,8 +19,6 @@ constexpr const char *kBoardName = RYN_VB_BOARD_NAME_TEXT;
 constexpr uint32_t kBlocksPerDsp = RYN_VB_BLOCKS_PER_DSP;
 constexpr uint32_t kPipeDataLimit = 512;
 
-uint32_t kindOf(uint32_t handle) { return handle & 0xF0000000u; }
-
 // ---- Enumeration and handles ----------------------------------------------
 
 // The device types below a parent: the board's physical types (parent 0) or

@@ -10,6 +10,7 @@
 
 #include "RynHwDll.h"
 #include "dsp/CoffWriter.h"
+#include "support/Goertzel.h"
 #include "support/Platform.h"
 #include "support/TempFile.h"
 
@@ -150,17 +151,7 @@ void writeWav(const std::string &path, const std::vector<int16_t> &samples, uint
         for (uint16_t c = 0; c < channels; ++c) out.write(reinterpret_cast<const char *>(&sample), 2);
 }
 
-// The power of one frequency in 8 kHz samples (Goertzel).
-double power(const std::vector<int16_t> &samples, size_t first, size_t count, double hertz) {
-    const double c = 2 * std::cos(2 * M_PI * hertz / 8000);
-    double s1 = 0, s2 = 0;
-    for (size_t i = first; i < first + count; ++i) {
-        const double s = samples[i] + c * s1 - s2;
-        s2 = s1;
-        s1 = s;
-    }
-    return s1 * s1 + s2 * s2 - c * s1 * s2;
-}
+using ryn::test::power;
 
 // The board commands run against the virtual board beside the tool, each
 // command with a board of its own.

@@ -8,6 +8,7 @@
 #include <tuple>
 #include <vector>
 
+#include "support/Goertzel.h"
 #include "virtual/VirtualBoard.h"
 
 namespace vt {
@@ -37,17 +38,7 @@ std::string pattern(const Samples &samples, uint32_t ms) {
     return found;
 }
 
-// The power of samples [first, first + count) at a frequency (Goertzel).
-double power(const Samples &samples, size_t first, size_t count, double hertz) {
-    const double c = 2 * std::cos(2 * M_PI * hertz / 8000);
-    double s1 = 0, s2 = 0;
-    for (size_t n = first; n < first + count; ++n) {
-        const double s = samples[n] + c * s1 - s2;
-        s2 = s1;
-        s1 = s;
-    }
-    return s1 * s1 + s2 * s2 - c * s1 * s2;
-}
+using ryn::test::power;
 
 TEST_F(VirtualBoardTest, SpanSettingsAreKeptPerSpan) {
     const DeviceHandle span0 = device(RYN_VB_DEVICE_T1E1, 0), span1 = device(RYN_VB_DEVICE_T1E1, 1);
